@@ -1,0 +1,10 @@
+#include "communication/Handler.h"
+
+namespace Velmora::Communication {
+
+Handler::Handler(QObject* parent)
+    : QObject(parent)
+{
+}
+
+} // namespace Velmora::Communication

@@ -1,0 +1,71 @@
+#pragma once
+
+#include "message/Message.h"
+
+#include <QByteArray>
+#include <QLocalSocket>
+#include <QObject>
+
+namespace Velmora::Communication {
+
+// The client end of the service pipe. Writes frames, cuts the incoming byte stream into frames,
+// resynchronises one byte at a time after corruption, and reconnects after every disconnection.
+// It knows nothing of what a payload means.
+class NamedPipeClient : public QObject
+{
+    Q_OBJECT
+
+public:
+    static const char* const DefaultServerName;
+
+    explicit NamedPipeClient(QObject* parent = nullptr);
+
+    bool isConnected() const;
+
+    // The pipe is "VelmoraServer"; tests running side by side give each client a pipe of its own.
+    QString serverName() const { return m_serverName; }
+    void setServerName(const QString& name) { m_serverName = name; }
+
+    // How long to wait before asking again for a pipe that does not exist yet.
+    void setServerNotFoundRetryInterval(int msec) { m_serverNotFoundRetryMs = msec; }
+
+public slots:
+    void sendMessage(Velmora::Message::Message::MessageType type, QByteArray payload);
+    void connectToServer();
+    void disconnectFromServer();
+    void onDataReceived();
+    void onDisconnected();
+    void onConnected();
+    void onError(QLocalSocket::LocalSocketError error);
+
+signals:
+    void messageReceived(Velmora::Message::Message::MessageType type, QByteArray payload);
+    void connectedToServer();
+    void serverNotFound();
+    void connectionError();
+    void sendingMessage();
+
+private:
+    enum ParseState { WaitingForHeader = 0, WaitingForPayload = 1 };
+
+    bool consumeHeader();
+    void deliverFrame();
+    void reconnect();
+    void dropConsumedBytes();
+    qsizetype unreadSize() const { return m_buffer.size() - m_readOffset; }
+
+    QLocalSocket* m_socket;
+    // Bytes received and not yet consumed start at m_readOffset. Consumed bytes are dropped in one
+    // go once a read has been parsed, so that many frames in one read cost linear time.
+    QByteArray m_buffer;
+    qsizetype m_readOffset = 0;
+    Velmora::Message::Message m_frame;
+    int m_parseState = WaitingForHeader;
+    bool m_parsing = false;
+    int m_reconnectionCount = 0;
+
+    QString m_serverName;
+    int m_serverNotFoundRetryMs = 3000;
+};
+
+} // namespace Velmora::Communication
