@@ -28,7 +28,7 @@ const char* const LineTimeFormat = "yyyy/MM/dd hh:mm:ss:zzz";
 const char* const RotationTimeFormat = "yyyy_MM_dd_hh_mm_ss_zzz";
 
 QString logDir;
-std::atomic<int> logLevel{Debug};
+std::atomic<int> logLevel{Trace};
 QTextStream* logStream = nullptr;
 QFile* logFile = nullptr;
 QMutex mutex;
@@ -112,8 +112,9 @@ void rotateIfNeeded()
 
     delete logFile;
     logFile = nullptr;
-    removeOldFiles();
+    // The fresh live file is listed too, so that at most five log files remain, it among them.
     initializeUnlocked(Debug);
+    removeOldFiles();
 }
 
 void write(int level, const QString& tag, const QString& message)

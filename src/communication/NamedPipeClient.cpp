@@ -69,7 +69,12 @@ void NamedPipeClient::disconnectFromServer()
 
 void NamedPipeClient::onDataReceived()
 {
-    m_buffer.append(m_socket->readAll());
+    receiveBytes(m_socket->readAll());
+}
+
+void NamedPipeClient::receiveBytes(const QByteArray& bytes)
+{
+    m_buffer.append(bytes);
     if (Logger::isEnabled(Logger::Debug))
         Logger::debug(QString(), QStringLiteral("data in buffer count: %1").arg(unreadSize()));
 
@@ -141,7 +146,10 @@ void NamedPipeClient::dropConsumedBytes()
 void NamedPipeClient::onDisconnected()
 {
     Logger::debug(QString(), QStringLiteral("Disconnected from server."));
-    connectToServer();
+    // A local socket may connect within connectToServer() itself. Reconnecting on the next turn of
+    // the event loop lets the reconnection rule, which may have caused this disconnection, see the
+    // socket unconnected rather than wait for the fresh connection to end.
+    QMetaObject::invokeMethod(this, &NamedPipeClient::connectToServer, Qt::QueuedConnection);
 }
 
 void NamedPipeClient::onConnected()

@@ -22,6 +22,10 @@ public:
 
     bool isConnected() const;
 
+    // Parses the bytes of one read from the pipe, as onDataReceived() does with the socket's.
+    // Lets tests and benchmarks feed exact reads.
+    void receiveBytes(const QByteArray& bytes);
+
     // The pipe is "VelmoraServer"; tests running side by side give each client a pipe of its own.
     QString serverName() const { return m_serverName; }
     void setServerName(const QString& name) { m_serverName = name; }

@@ -1,0 +1,344 @@
+#include "communication/NamedPipeClient.h"
+#include "support/FakeService.h"
+#include "support/LogCapture.h"
+#include "support/TestEnvironment.h"
+
+#include <QSignalSpy>
+#include <QTest>
+
+using Velmora::Communication::NamedPipeClient;
+using Velmora::Message::Message;
+
+Q_DECLARE_METATYPE(QList<QByteArray>)
+
+namespace {
+
+const QString SyncLost = QStringLiteral("Incorrect synchronization pattern detected, trying to restore synchronization...");
+
+QByteArray frame(quint32 type, const QByteArray& payload)
+{
+    Message message;
+    message.type = static_cast<Message::MessageType>(type);
+    message.length = static_cast<quint32>(payload.size());
+    message.payload = payload;
+    return message.serialize();
+}
+
+struct Received {
+    quint32 type;
+    QByteArray payload;
+    bool operator==(const Received& other) const { return type == other.type && payload == other.payload; }
+};
+
+QList<Received> received(const QSignalSpy& spy)
+{
+    QList<Received> result;
+    for (const QList<QVariant>& args : spy)
+        result.append({static_cast<quint32>(args.at(0).value<Message::MessageType>()), args.at(1).toByteArray()});
+    return result;
+}
+
+char* toString(const Received& r)
+{
+    return QTest::toString(QStringLiteral("(%1, %2)").arg(r.type).arg(QString::fromLatin1(r.payload.toHex())));
+}
+
+} // namespace
+
+Q_DECLARE_METATYPE(QList<Received>)
+
+class TestNamedPipeClient : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void initTestCase();
+
+    void parsesReads_data();
+    void parsesReads();
+    void unknownTypeIsPassedOnWithAnEmptyName();
+    void absurdLengthWaitsWithoutDelivering();
+    void readsSeveralFramesInOneCallInOrder();
+
+    void writesExactFrames_data();
+    void writesExactFrames();
+    void dropsFramesWhileNotConnected();
+    void keepsPartialFrameAcrossReconnection();
+    void retriesWhileServerIsAbsent();
+    void givesUpAfterFiveReconnectionPasses();
+    void connectionResetsTheReconnectionCount();
+    void deliversFramesFromTheSocket();
+};
+
+void TestNamedPipeClient::initTestCase()
+{
+    qRegisterMetaType<Message::MessageType>();
+}
+
+void TestNamedPipeClient::parsesReads_data()
+{
+    QTest::addColumn<QList<QByteArray>>("reads");
+    QTest::addColumn<QList<Received>>("expected");
+    QTest::addColumn<int>("syncErrors");
+    QTest::addColumn<int>("pendingAfter");
+
+    const QByteArray version = frame(Message::Version, QByteArray::fromHex("0801100114"));
+    const QByteArray empty = frame(Message::SystemInfoRequest, QByteArray());
+    const QByteArray smart = frame(Message::Smart, QByteArray(300, 'x'));
+
+    QTest::newRow("one frame") << QList<QByteArray>{version}
+                               << QList<Received>{{1, QByteArray::fromHex("0801100114")}} << 0 << 0;
+    QTest::newRow("empty payload at the end of the buffer")
+        << QList<QByteArray>{empty} << QList<Received>{{31, QByteArray()}} << 0 << 0;
+    QTest::newRow("header split over two reads")
+        << QList<QByteArray>{version.left(5), version.mid(5, 6), version.mid(11)}
+        << QList<Received>{{1, QByteArray::fromHex("0801100114")}} << 0 << 0;
+    QTest::newRow("payload split over two reads")
+        << QList<QByteArray>{smart.left(100), smart.mid(100)} << QList<Received>{{20, QByteArray(300, 'x')}} << 0 << 0;
+    QTest::newRow("eleven bytes of garbage wait silently")
+        << QList<QByteArray>{QByteArray(11, '\x55')} << QList<Received>{} << 0 << 11;
+    QTest::newRow("seven garbage bytes, then a frame")
+        << QList<QByteArray>{QByteArray::fromHex("01020304050607") + version}
+        << QList<Received>{{1, QByteArray::fromHex("0801100114")}} << 7 << 0;
+    QTest::newRow("garbage and frame in separate reads")
+        << QList<QByteArray>{QByteArray::fromHex("AABBCC"), version}
+        << QList<Received>{{1, QByteArray::fromHex("0801100114")}} << 3 << 0;
+    QTest::newRow("big-endian pattern is no pattern")
+        << QList<QByteArray>{QByteArray::fromHex("FE7419CD" "00000000" "01000000")} << QList<Received>{} << 1 << 11;
+    QTest::newRow("two and a half frames, then the rest")
+        << QList<QByteArray>{version + empty + smart.left(150), smart.mid(150)}
+        << QList<Received>{{1, QByteArray::fromHex("0801100114")}, {31, QByteArray()}, {20, QByteArray(300, 'x')}}
+        << 0 << 0;
+    QTest::newRow("two and a half frames, third header incomplete")
+        << QList<QByteArray>{version + empty + smart.left(7)}
+        << QList<Received>{{1, QByteArray::fromHex("0801100114")}, {31, QByteArray()}} << 0 << 7;
+    QTest::newRow("header of an empty frame alone, then another frame")
+        << QList<QByteArray>{empty, version} << QList<Received>{{31, QByteArray()}, {1, QByteArray::fromHex("0801100114")}}
+        << 0 << 0;
+}
+
+void TestNamedPipeClient::parsesReads()
+{
+    QFETCH(QList<QByteArray>, reads);
+    QFETCH(QList<Received>, expected);
+    QFETCH(int, syncErrors);
+    QFETCH(int, pendingAfter);
+
+    LogCapture log;
+    NamedPipeClient client;
+    QSignalSpy spy(&client, &NamedPipeClient::messageReceived);
+    for (const QByteArray& read : reads)
+        client.receiveBytes(read);
+
+    QCOMPARE(received(spy), expected);
+    QCOMPARE(log.count(SyncLost), syncErrors);
+    QCOMPARE(log.messages(Velmora::Logger::Error).size(), syncErrors);
+    // What is left over is reported by the next read's buffer count.
+    client.receiveBytes(QByteArray());
+    QCOMPARE(log.messages().last(), QStringLiteral("data in buffer count: %1").arg(pendingAfter));
+}
+
+void TestNamedPipeClient::unknownTypeIsPassedOnWithAnEmptyName()
+{
+    LogCapture log;
+    NamedPipeClient client;
+    QSignalSpy spy(&client, &NamedPipeClient::messageReceived);
+    client.receiveBytes(frame(999, "abc"));
+
+    QCOMPARE(received(spy), (QList<Received>{{999, "abc"}}));
+    QCOMPARE(log.messages(), (QStringList{QStringLiteral("data in buffer count: 15"), QStringLiteral("payload length: 3"),
+                                 QStringLiteral("Data count OK, message type: ")}));
+}
+
+void TestNamedPipeClient::absurdLengthWaitsWithoutDelivering()
+{
+    NamedPipeClient client;
+    QSignalSpy spy(&client, &NamedPipeClient::messageReceived);
+    QByteArray bigHeader = frame(Message::Smart, QByteArray());
+    bigHeader[4] = '\xff';
+    bigHeader[5] = '\xff';
+    bigHeader[6] = '\xff';
+    bigHeader[7] = '\x7f';
+    client.receiveBytes(bigHeader);
+    // Later frames are swallowed as payload of the announced one.
+    client.receiveBytes(frame(Message::Version, "xyz"));
+    client.receiveBytes(frame(Message::Version, QByteArray()));
+    QCOMPARE(spy.count(), 0);
+}
+
+void TestNamedPipeClient::readsSeveralFramesInOneCallInOrder()
+{
+    NamedPipeClient client;
+    QList<quint32> order;
+    connect(&client, &NamedPipeClient::messageReceived, this,
+        [&](Message::MessageType type, const QByteArray&) { order.append(type); });
+    QByteArray burst;
+    for (quint32 type : {1u, 20u, 30u, 41u, 72u})
+        burst += frame(type, QByteArray(static_cast<int>(type), 'p'));
+    client.receiveBytes(burst);
+    QCOMPARE(order, (QList<quint32>{1, 20, 30, 41, 72}));
+}
+
+void TestNamedPipeClient::writesExactFrames_data()
+{
+    QTest::addColumn<int>("type");
+    QTest::addColumn<QByteArray>("payload");
+    QTest::addColumn<QByteArray>("wire");
+    QTest::addColumn<QString>("logged");
+
+    QTest::newRow("empty payload is exactly twelve bytes")
+        << int(Message::Version) << QByteArray() << QByteArray::fromHex("CD1974FE" "00000000" "01000000")
+        << QStringLiteral("Message send: Version");
+    QTest::newRow("payload follows the header")
+        << int(Message::SmartRequest) << QByteArray::fromHex("0803")
+        << QByteArray::fromHex("CD1974FE" "02000000" "15000000" "0803") << QStringLiteral("Message send: SmartRequest");
+    QTest::newRow("large type number")
+        << int(Message::FileCopyRequestCancel) << QByteArray()
+        << QByteArray::fromHex("CD1974FE" "00000000" "47000000") << QStringLiteral("Message send: FileCopyRequestCancel");
+    QTest::newRow("length above one byte")
+        << int(Message::FileListRequest) << QByteArray(300, 'a')
+        << QByteArray::fromHex("CD1974FE" "2C010000" "0B000000") + QByteArray(300, 'a')
+        << QStringLiteral("Message send: FileListRequest");
+}
+
+void TestNamedPipeClient::writesExactFrames()
+{
+    QFETCH(int, type);
+    QFETCH(QByteArray, payload);
+    QFETCH(QByteArray, wire);
+    QFETCH(QString, logged);
+
+    FakeService service(TestEnvironment::uniqueName(QStringLiteral("pipe")));
+    QVERIFY(service.listen());
+    NamedPipeClient client;
+    client.setServerName(service.serverName());
+    QSignalSpy connected(&client, &NamedPipeClient::connectedToServer);
+    client.connectToServer();
+    QTRY_COMPARE(connected.count(), 1);
+
+    LogCapture log;
+    QSignalSpy sending(&client, &NamedPipeClient::sendingMessage);
+    client.sendMessage(static_cast<Message::MessageType>(type), payload);
+    QVERIFY(service.waitForFrames(1));
+    QCOMPARE(service.receivedBytes(), wire);
+    QCOMPARE(sending.count(), 1);
+    QCOMPARE(log.messages(), QStringList{logged});
+}
+
+void TestNamedPipeClient::dropsFramesWhileNotConnected()
+{
+    LogCapture log;
+    NamedPipeClient client;
+    QSignalSpy sending(&client, &NamedPipeClient::sendingMessage);
+    client.sendMessage(Message::Version, QByteArray());
+    QCOMPARE(sending.count(), 0);
+    QCOMPARE(log.messages(Velmora::Logger::Warning), QStringList{QStringLiteral("Not connected to server!")});
+}
+
+void TestNamedPipeClient::keepsPartialFrameAcrossReconnection()
+{
+    FakeService service(TestEnvironment::uniqueName(QStringLiteral("pipe")));
+    QVERIFY(service.listen());
+    NamedPipeClient client;
+    client.setServerName(service.serverName());
+    QSignalSpy received(&client, &NamedPipeClient::messageReceived);
+    QSignalSpy connected(&client, &NamedPipeClient::connectedToServer);
+    client.connectToServer();
+    QTRY_COMPARE(connected.count(), 1);
+
+    QVERIFY(service.waitForClient());
+    const QByteArray whole = frame(Message::SystemInfo, QByteArray(40, 's'));
+    LogCapture log;
+    service.sendRaw(whole.left(20));
+    QTRY_COMPARE(log.count(QStringLiteral("data in buffer count: 20")), 1);
+
+    service.disconnectClient();
+    // The client reconnects on its own at once.
+    QTRY_COMPARE(connected.count(), 2);
+    QVERIFY(service.waitForClient());
+    QCOMPARE(log.count(QStringLiteral("Disconnected from server.")), 1);
+
+    service.sendRaw(whole.mid(20));
+    QTRY_COMPARE(received.count(), 1);
+    QCOMPARE(received.at(0).at(1).toByteArray(), QByteArray(40, 's'));
+    QCOMPARE(log.count(SyncLost), 0);
+}
+
+void TestNamedPipeClient::retriesWhileServerIsAbsent()
+{
+    const QString name = TestEnvironment::uniqueName(QStringLiteral("pipe"));
+    LogCapture log;
+    NamedPipeClient client;
+    client.setServerName(name);
+    client.setServerNotFoundRetryInterval(50);
+    QSignalSpy notFound(&client, &NamedPipeClient::serverNotFound);
+    QSignalSpy connected(&client, &NamedPipeClient::connectedToServer);
+    client.connectToServer();
+    QTRY_VERIFY(notFound.count() >= 2);
+    QVERIFY(log.count(QStringLiteral("Named pipe client error: 2")) >= 2);
+    QVERIFY(log.count(QStringLiteral("No server found")) >= 2);
+    QCOMPARE(log.messages().first(), QStringLiteral("Connect to server: %1").arg(name));
+
+    FakeService service(name);
+    QVERIFY(service.listen());
+    QVERIFY(connected.wait(5000));
+    QVERIFY(service.waitForClient());
+    QVERIFY(log.count(QStringLiteral("Connected to server.")) == 1);
+}
+
+void TestNamedPipeClient::givesUpAfterFiveReconnectionPasses()
+{
+    LogCapture log;
+    NamedPipeClient client;
+    QSignalSpy gaveUp(&client, &NamedPipeClient::connectionError);
+    for (int i = 0; i < 6; ++i)
+        client.onError(QLocalSocket::PeerClosedError);
+
+    QCOMPARE(log.count(QStringLiteral("Connection error - reconnecting")), 5);
+    QCOMPARE(log.count(QStringLiteral("Named pipe client error: 1")), 6);
+    QCOMPARE(gaveUp.count(), 1);
+
+    client.onError(QLocalSocket::ConnectionRefusedError);
+    QCOMPARE(gaveUp.count(), 2);
+    QCOMPARE(log.count(QStringLiteral("Connection error - reconnecting")), 5);
+}
+
+void TestNamedPipeClient::connectionResetsTheReconnectionCount()
+{
+    LogCapture log;
+    NamedPipeClient client;
+    QSignalSpy gaveUp(&client, &NamedPipeClient::connectionError);
+    for (int i = 0; i < 5; ++i)
+        client.onError(QLocalSocket::ConnectionError);
+    client.onConnected();
+    for (int i = 0; i < 5; ++i)
+        client.onError(QLocalSocket::ConnectionError);
+    QCOMPARE(gaveUp.count(), 0);
+    QCOMPARE(log.count(QStringLiteral("Connection error - reconnecting")), 10);
+
+    client.onError(QLocalSocket::SocketAccessError);
+    QCOMPARE(gaveUp.count(), 1);
+    client.onError(QLocalSocket::DatagramTooLargeError);
+    QCOMPARE(gaveUp.count(), 2);
+}
+
+void TestNamedPipeClient::deliversFramesFromTheSocket()
+{
+    FakeService service(TestEnvironment::uniqueName(QStringLiteral("pipe")));
+    QVERIFY(service.listen());
+    NamedPipeClient client;
+    client.setServerName(service.serverName());
+    QSignalSpy connected(&client, &NamedPipeClient::connectedToServer);
+    QSignalSpy received(&client, &NamedPipeClient::messageReceived);
+    client.connectToServer();
+    QTRY_COMPARE(connected.count(), 1);
+    QVERIFY(client.isConnected());
+    QVERIFY(service.waitForClient());
+
+    service.sendRaw(QByteArray("junk") + frame(Message::Version, "v") + frame(Message::Smart, QByteArray(70000, 'q')));
+    QTRY_COMPARE(received.count(), 2);
+    QCOMPARE(received.at(1).at(1).toByteArray().size(), 70000);
+}
+
+KESTRAVIN_TEST_MAIN(TestNamedPipeClient)
+#include "tst_namedpipeclient.moc"
