@@ -197,6 +197,7 @@ void TestLogger::keepsAtMostFiveFiles()
         QFile old(Logger::logDirectory() + QStringLiteral("Velmora_old%1.log").arg(i));
         QVERIFY(old.open(QIODevice::WriteOnly));
         old.write("old\n");
+        old.flush();  // a later flush would make the file new again
         QVERIFY(old.setFileTime(now.addSecs(-100 * i), QFileDevice::FileModificationTime));
     }
     QFile other(Logger::logDirectory() + QStringLiteral("notes.txt"));
