@@ -1,0 +1,36 @@
+#pragma once
+
+#include "Smart.pb.h"
+
+#include <QByteArray>
+#include <QString>
+#include <QStringList>
+
+// Builds the attributes the service sends. An attribute is written "id:hex", the hex being the raw
+// value as the service formats it, lowest byte first.
+namespace SmartTestData {
+
+inline Velmora::Message::Smart_SmartAttribute attribute(quint32 id, const QByteArray& hex, quint32 current = 100,
+    quint32 worst = 100, quint32 threshold = 0, quint32 status = 0)
+{
+    Velmora::Message::Smart_SmartAttribute result;
+    result.set_id(id);
+    result.set_current(current);
+    result.set_worst(worst);
+    result.set_threshold(threshold);
+    result.set_status(status);
+    result.set_data(hex.toStdString());
+    return result;
+}
+
+inline QList<Velmora::Message::Smart_SmartAttribute> attributes(const QStringList& specs)
+{
+    QList<Velmora::Message::Smart_SmartAttribute> result;
+    for (const QString& spec : specs) {
+        const QStringList parts = spec.split(QLatin1Char(':'));
+        result.append(attribute(parts.at(0).toUInt(), parts.value(1).toLatin1()));
+    }
+    return result;
+}
+
+} // namespace SmartTestData
