@@ -139,7 +139,7 @@ void write(int level, const QString& tag, const QString& message)
         fflush(stdout);
     }
 
-    static const QRegularExpression colourSequence(QStringLiteral("\033\\[[0-9]+m"));
+    static const QRegularExpression colourSequence(QStringLiteral("\033[[0-9]+m"));
     QString plain = line;
     plain.remove(colourSequence);
     *logStream << plain << '\n';

@@ -14,28 +14,13 @@ const char* const SettingsGroup = "FileCategories";
 const char* const ProgramPaths = "Program Files,Program Files (x86),ProgramData";
 const char* const SystemPaths = "Windows,swapfile.sys,pagefile.sys,hiberfil.sys,System Volume Information,Boot,EFI";
 const char* const PictureExtensions =
-    ".ase,.art,.blp,.bmp,.bti,.cd5,.cit,.cpt,.cr2tings,.csp,.cut,.dds,.dib,.djvu,.ai,.ps,.svg,.exif,.gif,.gpl,.grf,"
-    ".icns,.ico,.jng,.jfif,.jpg,.jpeg,.jp2,.jps,.lbm,.max,.miff,.msp,.nitf,.3dm,.3ds,.obj,.thm,.eps,.otb,.pbm,.pc1,"
-    ".pc2,.pc3,.pcf,.pcx,.pdn,.pgm,.pi1,.pi2,.pi3,.pict,.pct,.png,.pnm,.pns,.ppm,.psb,.psd,.pdd,.psp,.pspimage,.px,"
-    ".pxm,.pxr,.qfx,.raw,.rle,.sct,.sgi,.rgb,.int,.bw,.tga,.targa,.icb,.vda,.vst,.pix,.tif,.tiff,.vtf,.xbm,.xcf,.xpm,"
-    ".zif";
+    ".ase,.art,.blp,.bmp,.bti,.cd5,.cit,.cpt,.cr2tings,.csp,.cut,.dds,.dib,.djvu,.ai,.ps,.svg,.exif,.gif,.gpl,.grf,.icns,.ico,.jng,.jfif,.jpg,.jpeg,.jp2,.jps,.lbm,.max,.miff,.msp,.nitf,.3dm,.3ds,.obj,.thm,.eps,.otb,.pbm,.pc1,.pc2,.pc3,.pcf,.pcx,.pdn,.pgm,.pi1,.pi2,.pi3,.pict,.pct,.png,.pnm,.pns,.ppm,.psb,.psd,.pdd,.psp,.pspimage,.px,.pxm,.pxr,.qfx,.raw,.rle,.sct,.sgi,.rgb,.int,.bw,.tga,.targa,.icb,.vda,.vst,.pix,.tif,.tiff,.vtf,.xbm,.xcf,.xpm,.zif";
 const char* const SoundExtensions =
-    ".8svx,.16svx,.aiff,.aif,.aifc,.au,.bwf,.cdda,.wav,.ra,.flac,.la,.pac,.cda,.mpa,.ogg,.wpl,.ape,.ofr,.ofs,.off,"
-    ".rka,.shn,.tak,.tta,.wv,.brstm,.dts,.dtshd,.dtsma,.ast,.aw,.psf,.amr,.mp1,.mp2,.mp3,.spx,.gsm,.wma,.aac,.mpc,"
-    ".vqf,.ots,.swa,.vox,.voc,.dwd,.smp,.mod,.mt2,.s3m,.xm,.it,.nsf,.mid,.midi,.ly,.mus,.musx,.mxl,.mscx,.mscz,.sib,"
-    ".niff,.ptb,.cust,.gym,.jam,.rmj,.sid,.spc,.m4a,.txm,.vgm,.ym,.aimppl,.asx,.ram,.xpl,.xspf,.zpl,.m3u,.pls,.als,"
-    ".alc,.aup,.band,.cel,.cpr,.cwp,.drm,.dmkit,.ens,.grir,.logic,.mmr,.mx6hs,.npr,.omf,.omfi,.rin,.ses,.sfl,.sng,"
-    ".stf,.snd,.syn,.flp,.vcls,.vsq,.vsqx,.dvr-ms,.wtv";
+    ".8svx,.16svx,.aiff,.aif,.aifc,.au,.bwf,.cdda,.wav,.ra,.flac,.la,.pac,.cda,.mpa,.ogg,.wpl,.ape,.ofr,.ofs,.off,.rka,.shn,.tak,.tta,.wv,.brstm,.dts,.dtshd,.dtsma,.ast,.aw,.psf,.amr,.mp1,.mp2,.mp3,.spx,.gsm,.wma,.aac,.mpc,.vqf,.ots,.swa,.vox,.voc,.dwd,.smp,.mod,.mt2,.s3m,.xm,.it,.nsf,.mid,.midi,.ly,.mus,.musx,.mxl,.mscx,.mscz,.sib,.niff,.ptb,.cust,.gym,.jam,.rmj,.sid,.spc,.m4a,.txm,.vgm,.ym,.aimppl,.asx,.ram,.xpl,.xspf,.zpl,.m3u,.pls,.als,.alc,.aup,.band,.cel,.cpr,.cwp,.drm,.dmkit,.ens,.grir,.logic,.mmr,.mx6hs,.npr,.omf,.omfi,.rin,.ses,.sfl,.sng,.stf,.snd,.syn,.flp,.vcls,.vsq,.vsqx,.dvr-ms,.wtv";
 const char* const VideoExtensions =
-    ".webm,.mkv,.vob,.ogv,.drc,.gifv,.mng,.avi,.mov,.qt,.wmv,.yuv,.srt,.rm,.rmvb,.amv,.mp4,.m4p,.mpe,.mpv,.mpg,"
-    ".mpeg,.m2v,.m4v,.svi,.3gp,.3g2,.mxf,.roq,.nsv,.flv,.f4v,.f4p,.f4a,.f4b,.h264,.asf,.swf";
+    ".webm,.mkv,.vob,.ogv,.drc,.gifv,.mng,.avi,.mov,.qt,.wmv,.yuv,.srt,.rm,.rmvb,.amv,.mp4,.m4p,.mpe,.mpv,.mpg,.mpeg,.m2v,.m4v,.svi,.3gp,.3g2,.mxf,.roq,.nsv,.flv,.f4v,.f4p,.f4a,.f4b,.h264,.asf,.swf";
 const char* const DocumentExtensions =
-    ".0,.1st,.600,.602,.abw,.acl,.afp,.ami,.amigaguide,.ans,.asc,.aww,.ccf,.csv,.key,.odp,.pps,.ppt,.cwk,.dbk,.dita,"
-    ".doc,.docm,.docx,.dot,.dotx,.egt,.epub,.ezw,.fdx,.ftm,.ftx,.gdoc,.html,.hwp,.hwpml,.log,.pptx,.ged,.keychain,"
-    ".lwp,.mbp,.md,.me,.mcw,.mobi,.nb,.nbp,.neis,.odm,.odoc,.odt,.osheet,.ott,.omm,.pages,.pap,.pdax,.pdf,.quox,.wks,"
-    ".msg,.indd,.radix,.rtf,.rpt,.sdw,.se,.stw,.sxw,.tex,.info,.troff,.txt,.uof,.uoml,.via,.wpd,.wps,.wpt,.wrd,.wrf,"
-    ".wri,.xhtml,.xml,.xps,.dtd,.fla,.lua,.m,.sln,.vcxproj,.xcodeproj,.c,.class,.cpp,.cs,.h,.java,.sh,.swift,.vb,"
-    ".asp,.aspx,.cer,.cfm,.pl,.css,.htm,.js,.jsp,.php,.py,.rss,.ods,.xlr,.xls,.xlsx";
+    ".0,.1st,.600,.602,.abw,.acl,.afp,.ami,.amigaguide,.ans,.asc,.aww,.ccf,.csv,.key,.odp,.pps,.ppt,.cwk,.dbk,.dita,.doc,.docm,.docx,.dot,.dotx,.egt,.epub,.ezw,.fdx,.ftm,.ftx,.gdoc,.html,.hwp,.hwpml,.log,.pptx,.ged,.keychain,.lwp,.mbp,.md,.me,.mcw,.mobi,.nb,.nbp,.neis,.odm,.odoc,.odt,.osheet,.ott,.omm,.pages,.pap,.pdax,.pdf,.quox,.wks,.msg,.indd,.radix,.rtf,.rpt,.sdw,.se,.stw,.sxw,.tex,.info,.troff,.txt,.uof,.uoml,.via,.wpd,.wps,.wpt,.wrd,.wrf,.wri,.xhtml,.xml,.xps,.dtd,.fla,.lua,.m,.sln,.vcxproj,.xcodeproj,.c,.class,.cpp,.cs,.h,.java,.sh,.swift,.vb,.asp,.aspx,.cer,.cfm,.pl,.css,.htm,.js,.jsp,.php,.py,.rss,.ods,.xlr,.xls,.xlsx";
 
 // Equal within relative 1e-12, as far as progress reports go.
 bool sameProgress(double a, double b)
