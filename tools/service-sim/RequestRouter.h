@@ -1,0 +1,42 @@
+#pragma once
+
+#include "FaultPlan.h"
+
+#include <QByteArray>
+#include <QHash>
+#include <QObject>
+#include <QPointer>
+
+namespace Velmora::ServiceSim {
+
+class ClientConnection;
+class RequestGroup;
+
+// Hands every request to the group that answers its type, after the plan's faults have had their
+// say: late, never, with an error code, or the end of the service. Unknown types and payloads
+// that do not parse get an Error message back and are logged; nothing a client sends stops the
+// service.
+class RequestRouter : public QObject
+{
+    Q_OBJECT
+
+public:
+    RequestRouter(const FaultPlan& faults, QObject* parent = nullptr);
+
+    // Takes ownership of the group.
+    void addGroup(RequestGroup* group);
+
+public slots:
+    void route(Velmora::ServiceSim::ClientConnection* client, quint32 type, QByteArray payload);
+
+private:
+    void answer(QPointer<ClientConnection> client, quint32 type, const QByteArray& payload, int occurrence);
+    void reportError(ClientConnection* client, int code, const QString& description);
+
+    const FaultPlan& m_faults;
+    QHash<quint32, RequestGroup*> m_groups;
+    QHash<quint32, int> m_occurrences;
+    int m_requests = 0;
+};
+
+} // namespace Velmora::ServiceSim
