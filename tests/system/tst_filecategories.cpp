@@ -101,7 +101,8 @@ void TestFileCategories::survivesARestart()
         scanned.setStatus(FileCategoryStatus::Complete, 1.0);
         takenAt = scanned.timestamp();
         QVERIFY(takenAt.isValid());
-        QCOMPARE(log.messages(), QStringList{QStringLiteral("Saved valid file categories data for BRANTEL SSD S1AA11")});
+        QCOMPARE(log.messages(Velmora::Logger::Info),
+            QStringList{QStringLiteral("Saved valid file categories data for BRANTEL SSD S1AA11")});
     }
     LogCapture log;
     FileCategories restored(QStringLiteral("BRANTEL SSD S1AA11"));
