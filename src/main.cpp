@@ -1,6 +1,8 @@
 #include "application/Logger.h"
 #include "communication/Dispatcher.h"
 #include "communication/NamedPipeClient.h"
+#include "system/System.h"
+#include "system/SystemManager.h"
 
 #include <QCoreApplication>
 
@@ -24,6 +26,10 @@ int main(int argc, char* argv[])
         dispatcher, &Communication::Dispatcher::dispatchMessage);
     QObject::connect(dispatcher, &Communication::Dispatcher::sendMessageToClient,
         pipeClient, &Communication::NamedPipeClient::sendMessage);
+
+    auto* system = new System::System(app);
+    auto* systemManager = new System::SystemManager(system, app);
+    dispatcher->registerHandler(systemManager);
 
     pipeClient->connectToServer();
     const int result = QCoreApplication::exec();
