@@ -170,7 +170,7 @@ void SmartManager::updateSmartAttributes(int driveId,
     controller->commitReadout();
 }
 
-QString SmartManager::smartReportJson()
+QString SmartManager::smartReportJson() const
 {
     google::protobuf::util::JsonPrintOptions options;
     options.add_whitespace = true;

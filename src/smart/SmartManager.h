@@ -31,7 +31,7 @@ public:
 
     void clientConnected() override;
     void handleMessage(Velmora::Message::Message::MessageType type, QByteArray payload) override;
-    virtual QString smartReportJson();
+    virtual QString smartReportJson() const;
 
     // The whole last Smart message per drive id, error answers included.
     const QMap<quint32, Velmora::Message::Smart>& lastMessages() const { return m_lastMessages; }

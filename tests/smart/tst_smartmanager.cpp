@@ -1,6 +1,9 @@
+#include "communication/Dispatcher.h"
+#include "communication/NamedPipeClient.h"
 #include "settings/SettingsManager.h"
 #include "smart/SmartController.h"
 #include "smart/SmartManager.h"
+#include "support/FakeService.h"
 #include "support/LogCapture.h"
 #include "support/TestEnvironment.h"
 #include "system/Drive.h"
@@ -9,11 +12,13 @@
 
 #include "SmartTestData.h"
 
+#include <QElapsedTimer>
 #include <QSignalSpy>
 #include <QTest>
 #include <QTimer>
 
 #include <memory>
+#include <vector>
 
 using Velmora::Message::Message;
 using Velmora::Settings::SettingsManager;
@@ -130,6 +135,7 @@ private slots:
     void otherTypesAndBadPayloads();
     void reportJson_data();
     void reportJson();
+    void readsDrivesOverThePipe();
 };
 
 void TestSmartManager::isAHandlerOfSmartMessages()
@@ -301,20 +307,23 @@ void TestSmartManager::cycleReadsAllDrives()
 
 void TestSmartManager::newDriveIsReadAloneWithoutRestartingTheCycle()
 {
-    SettingsManager::setValue(Group, Key, 100000);
+    SettingsManager::setValue(Group, Key, 300);
     Machine machine({1});
+    QElapsedTimer clock;
+    clock.start();
     machine.manager->clientConnected();
     machine.sent->clear();
 
-    // Let some time of the cycle pass, so that a restart would show in the remaining time.
-    QTest::qWait(30);
-    const int remaining = machine.timer->remainingTime();
+    // Two thirds into the cycle a drive comes: it is read at once, and the cycle still turns
+    // 300 ms after the connection. A restart would put the next read-out at 500 ms.
+    QTest::qWait(200);
     addDrives(machine.system, {7});
-
     QCOMPARE(frames(*machine.sent), QStringList{"SmartRequest 08071001"});
-    QVERIFY(machine.timer->isActive());
-    QVERIFY2(machine.timer->remainingTime() <= remaining, "the cycle was restarted");
-    QVERIFY(remaining < 100000 - 20);
+
+    QTRY_VERIFY_WITH_TIMEOUT(machine.sent->count() >= 3, 5000);
+    const qint64 cycle = clock.elapsed();
+    QCOMPARE(frames(*machine.sent).mid(1, 2), (QStringList{"SmartRequest 08011001", "SmartRequest 08071001"}));
+    QVERIFY2(cycle < 450, qPrintable(QStringLiteral("cyclic read-out after %1 ms").arg(cycle)));
 }
 
 void TestSmartManager::answers_data()
@@ -343,9 +352,11 @@ void TestSmartManager::answers()
     QFETCH(bool, decoded);
 
     Machine machine({1, 2});
-    QList<QSignalSpy*> changed;
-    for (int id : {1, 2})
-        changed.append(new QSignalSpy(machine.system.drive(id)->smartController(), &Smart::SmartController::dataChanged));
+    std::vector<std::unique_ptr<QSignalSpy>> changed;
+    for (int id : {1, 2}) {
+        changed.push_back(std::make_unique<QSignalSpy>(
+            machine.system.drive(id)->smartController(), &Smart::SmartController::dataChanged));
+    }
     LogCapture log;
 
     machine.manager->handleMessage(Message::Smart, smartPayload(code, driveId, twoAttributes()));
@@ -377,7 +388,6 @@ void TestSmartManager::answers()
     QCOMPARE(stored.keys(), QList<quint32>{quint32(driveId)});
     QCOMPARE(int(stored.value(quint32(driveId)).errorcode()), code);
     QCOMPARE(stored.value(quint32(driveId)).attributes_size(), 2);
-    qDeleteAll(changed);
 }
 
 void TestSmartManager::errorAnswerReplacesTheStoredMessage()
@@ -494,6 +504,37 @@ void TestSmartManager::reportJson()
     for (const QByteArray& answer : answers)
         machine.manager->handleMessage(Message::Smart, answer);
     QCOMPARE(machine.manager->smartReportJson(), expected);
+}
+
+void TestSmartManager::readsDrivesOverThePipe()
+{
+    using Velmora::Communication::Dispatcher;
+    using Velmora::Communication::NamedPipeClient;
+
+    FakeService service(TestEnvironment::uniqueName(QStringLiteral("smart")));
+    QVERIFY(service.listen());
+    Machine machine({1, 3});
+    NamedPipeClient client;
+    client.setServerName(service.serverName());
+    Dispatcher dispatcher;
+    connect(&client, &NamedPipeClient::connectedToServer, &dispatcher, &Dispatcher::clientConnected);
+    connect(&client, &NamedPipeClient::messageReceived, &dispatcher, &Dispatcher::dispatchMessage);
+    connect(&dispatcher, &Dispatcher::sendMessageToClient, &client, &NamedPipeClient::sendMessage);
+    QVERIFY(dispatcher.registerHandler(machine.manager.get()));
+
+    client.connectToServer();
+    QVERIFY(service.waitForFrames(2));
+    // Header: sync, length 4, type 21; then drive id and the all-attributes flag.
+    QCOMPARE(service.receivedBytes().toHex(),
+        QByteArray("cd1974fe" "04000000" "15000000" "08011001"
+                   "cd1974fe" "04000000" "15000000" "08031001"));
+    QVERIFY(machine.timer->isActive());
+
+    QSignalSpy changed(machine.system.drive(1)->smartController(), &Smart::SmartController::dataChanged);
+    service.sendFrame(Message::Smart, smartPayload(0, 1, twoAttributes()));
+    QTRY_COMPARE(changed.count(), 1);
+    QCOMPARE(machine.system.drive(1)->smartController()->parameterValue(Smart::PowerOnHours, nullptr), 1000.0);
+    QCOMPARE(machine.manager->lastMessages().keys(), QList<quint32>{1});
 }
 
 KESTRAVIN_TEST_MAIN(TestSmartManager)
