@@ -18,7 +18,7 @@ void RestResponse::fillFrom(QNetworkReply* reply)
     const long length = reply->rawHeader("Content-Length").toLong(&ok, 10);
     m_contentLength = ok ? length : 0;
     // One character a byte, up to the first zero byte: the back-end answers in ASCII.
-    const QByteArray body = reply->readAll();
+    const QByteArray body = reply->isOpen() ? reply->readAll() : QByteArray();
     const int zero = body.indexOf('\0');
     m_content = QString::fromLatin1(zero < 0 ? body : body.left(zero));
     const QVariant status = reply->attribute(QNetworkRequest::HttpStatusCodeAttribute);

@@ -198,6 +198,9 @@ void TestRestClient::readsTheResponse()
     answer.status = 404;
     answer.body = QByteArray("not\0here", 8);
     m_server->enqueue(answer);
+    HttpTestServer::Answer ok;
+    ok.body = "{}";
+    m_server->enqueue(ok);
     RestRequest request(GET, QStringLiteral("firmware"));
     QScopedPointer<RestResponse> response(m_client->sendSync(request));
     QCOMPARE(response->status(), 404);
@@ -208,11 +211,8 @@ void TestRestClient::readsTheResponse()
     QVERIFY(response->toString().startsWith(QStringLiteral("Reply [%1firmware]:\n\tError: ").arg(m_server->baseUrl().toString())));
     QVERIFY(response->toString().endsWith(QLatin1String("\n\tStatus: 404\n\tContent type: application/json\n\tContent:\nnot")));
 
-    HttpTestServer::Answer ok;
-    ok.body = "{}";
-    m_server->enqueue(ok);
     QScopedPointer<RestResponse> success(m_client->sendSync(request));
-    QVERIFY(success->isSuccessful());
+    QVERIFY2(success->isSuccessful(), qPrintable(success->toString()));
 }
 
 void TestRestClient::deliversToTheRequestersSlot()
@@ -288,7 +288,8 @@ void TestRestClient::refusesUnimplementedVerbs()
     m_client->sendAsync(options, &requester, SLOT(onRestResponseReceived(REST::RestResponse*)));
     QCOMPARE(requester.received, QList<RestResponse*>{nullptr});
     QCOMPARE(log.messages(Velmora::Logger::Info),
-        (QStringList{QStringLiteral("Authorization started... A"),
+        (QStringList{QStringLiteral("Sending new REST request to [%1x]").arg(m_server->baseUrl().toString()),
+            QStringLiteral("Authorization started... A"),
             QStringLiteral("Authorization started... A_1 1onRestResponseReceived(REST::RestResponse*)"),
             QStringLiteral("Authorization started... A_2 onRestResponseReceived"),
             QStringLiteral("Authorization started... B")}));
