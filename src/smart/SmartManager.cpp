@@ -157,7 +157,7 @@ void SmartManager::updateSmartAttributes(int driveId,
         controller->addAttribute(received);
         // What is logged is what the controller keeps, after any firmware correction.
         const SmartAttribute* stored = controller->attribute(received.id());
-        if (!stored)
+        if (!stored || !Logger::isEnabled(Logger::Debug))
             continue;
         Logger::debug(QString(), QStringLiteral("SMART attribute: %1 %2 %3 %4 %5 %6")
                                      .arg(stored->id())

@@ -23,6 +23,15 @@ inline Velmora::Message::Smart_SmartAttribute attribute(quint32 id, const QByteA
     return result;
 }
 
+// A number as the service writes a raw value: six bytes, lowest first.
+inline QByteArray rawHex(quint64 value)
+{
+    QByteArray bytes(6, '\0');
+    for (int i = 0; i < 6; ++i)
+        bytes[i] = char((value >> (8 * i)) & 0xFF);
+    return bytes.toHex();
+}
+
 inline QList<Velmora::Message::Smart_SmartAttribute> attributes(const QStringList& specs)
 {
     QList<Velmora::Message::Smart_SmartAttribute> result;

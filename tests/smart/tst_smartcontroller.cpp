@@ -320,9 +320,7 @@ void TestSmartController::historyKeepsTheNewest400()
     MasSmartController controller(QStringLiteral("EDFM"));
     QSignalSpy changed(&controller, &SmartController::dataChanged);
     for (int commit = 1; commit <= 401; ++commit) {
-        controller.addAttribute(
-            SmartTestData::attribute(241, QByteArray::number(commit, 16).rightJustified(4, '0').right(2)
-                    + QByteArray::number(commit, 16).rightJustified(4, '0').left(2)));
+        controller.addAttribute(SmartTestData::attribute(241, SmartTestData::rawHex(quint64(commit))));
         controller.commitReadout();
     }
     QCOMPARE(changed.count(), 401);
