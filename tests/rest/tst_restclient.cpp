@@ -271,7 +271,8 @@ void TestRestClient::givesAttachmentsMoreTime()
     QElapsedTimer elapsed;
     elapsed.start();
     QScopedPointer<RestResponse> response(m_client->sendSync(request));
-    QVERIFY2(elapsed.elapsed() >= 290, qPrintable(QString::number(elapsed.elapsed())));
+    // Three times the limit; coarse timers may fire up to 5% early, and two times would be 200.
+    QVERIFY2(elapsed.elapsed() >= 270, qPrintable(QString::number(elapsed.elapsed())));
     QCOMPARE(response->error(), QNetworkReply::OperationCanceledError);
 }
 
