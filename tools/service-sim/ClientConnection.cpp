@@ -82,6 +82,9 @@ void ClientConnection::send(quint32 type, const QByteArray& payload)
         return;
     }
     m_socket->write(bytes);
+    // Out at once, as a pipe write of the service is: an answer written before the service dies
+    // reaches the client.
+    m_socket->flush();
     countSentFrame();
 }
 
