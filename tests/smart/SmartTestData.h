@@ -32,11 +32,11 @@ inline QByteArray rawHex(quint64 value)
     return bytes.toHex();
 }
 
-inline QList<Velmora::Message::Smart_SmartAttribute> attributes(const QStringList& specs)
+inline QList<Velmora::Message::Smart_SmartAttribute> attributes(const QStringList& texts)
 {
     QList<Velmora::Message::Smart_SmartAttribute> result;
-    for (const QString& spec : specs) {
-        const QStringList parts = spec.split(QLatin1Char(':'));
+    for (const QString& text : texts) {
+        const QStringList parts = text.split(QLatin1Char(':'));
         result.append(attribute(parts.at(0).toUInt(), parts.value(1).toLatin1()));
     }
     return result;

@@ -28,9 +28,9 @@ std::unique_ptr<SmartController> controllerOf(const QString& family, const QStri
     return std::make_unique<PhisonSmartController>(firmware);
 }
 
-void feed(SmartController& controller, const QStringList& specs)
+void feed(SmartController& controller, const QStringList& texts)
 {
-    const auto list = SmartTestData::attributes(specs);
+    const auto list = SmartTestData::attributes(texts);
     for (const auto& attribute : list)
         controller.addAttribute(attribute);
 }
