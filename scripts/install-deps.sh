@@ -8,6 +8,7 @@ packages=(
   qtbase5-dev qttools5-dev libqt5svg5-dev
   protobuf-compiler libprotobuf-dev
   libssl-dev
+  libcpp-httplib-dev
   libbenchmark-dev
   xvfb xauth
 )
