@@ -22,7 +22,7 @@ ClientConnection::ClientConnection(QLocalSocket* socket, int id, const FaultPlan
     , m_socket(socket)
     , m_id(id)
     , m_faults(faults)
-    , m_random(static_cast<quint32>(id) * 7919u + 17u)
+    , m_random(faults.seed * 7919u + static_cast<quint32>(id))
 {
     m_socket->setParent(this);
     m_pieceTimer.setInterval(timings.splitPieceMs);

@@ -40,6 +40,7 @@ public:
     int dropAfterFrames = 0;    // a connection is closed after this many frames sent; 0 never
     int exitAfterRequests = 0;  // the process ends on this request, unanswered; 0 never
     QList<int> version;         // overrides the version answered, when set
+    quint32 seed = 1;           // of the garbage bytes and random piece sizes
 
     static bool parseType(const QString& text, quint32* type);
 

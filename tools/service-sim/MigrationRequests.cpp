@@ -1,7 +1,6 @@
 #include "MigrationRequests.h"
 
-#include "FilterRules.h"
-#include "SteppedTask.h"
+#include "FileCopyTask.h"
 
 #include "application/Logger.h"
 #include "message/Message.h"
@@ -43,19 +42,6 @@ quint64 formatOverhead(quint64 size, const QString& fileSystem)
     if (fileSystem.compare(QLatin1String("NTFS"), Qt::CaseInsensitive) == 0)
         return qMin<quint64>(size / 10, 20 * MiB + size / 2000);
     return qMin<quint64>(size / 10, MiB + size / 4000);
-}
-
-QStringList toStringList(const google::protobuf::RepeatedPtrField<std::string>& items)
-{
-    QStringList list;
-    for (const std::string& item : items)
-        list << QString::fromStdString(item);
-    return list;
-}
-
-FilterRules rulesOf(const Wire::MigrationFilter& filter)
-{
-    return FilterRules(toStringList(filter.systempaths()), toStringList(filter.paths()), toStringList(filter.extensions()));
 }
 
 template<typename M>
@@ -261,88 +247,9 @@ bool MigrationRequests::copyFiles(const QByteArray& payload, ClientConnection* c
         later(client, m_timings.taskMs, [refusal](ClientConnection* target) { target->send(Message::FileCopyResponse, refusal); });
         return true;
     }
-
-    const QString letter = normalizedLetter(QString::fromStdString(source->letter()));
-    const FilterRules rules = rulesOf(request.filter());
-
-    const PartitionContent* content = m_machine.findContent(request.sourcedriveid(), request.sourcepartitionid());
-    quint64 total = 0;
-    quint64 files = 0;
-    if (content && !content->files.isEmpty()) {
-        content->files.forEachFile([&](const QString& path, quint64 size) {
-            if (rules.keeps(letter + QLatin1Char('\\') + path)) {
-                total += size;
-                ++files;
-            }
-        });
-    } else {
-        total = source->used();
-        files = total / (512 * 1024) + 1;
-    }
-    const quint64 room = destination->size() - qMin(destination->size(), destination->used());
-    Logger::info(QString(), QStringLiteral("Copying %1 bytes in %2 files: drive %3 partition %4 -> drive %5 partition %6")
-                                .arg(total).arg(files).arg(request.sourcedriveid()).arg(request.sourcepartitionid())
-                                .arg(request.destinationdriveid()).arg(request.destinationpartitionid()));
-
-    QPointer<ClientConnection> target(client);
-    m_copyProgress = 0;
-    m_copy = new SteppedTask(m_timings.copySteps, m_timings.copyStepMs,
-        [this, target, request, total, files, room](int step, int steps) {
-            if (!target || !target->isOpen()) {
-                m_copy->stop();
-                return;
-            }
-            Wire::FileCopyReport report;
-            m_copyProgress = total * static_cast<quint64>(step) / static_cast<quint64>(steps);
-            if (m_copyProgress > room) {
-                Logger::error(QString(), QStringLiteral("Destination partition is full"));
-                report.set_code(Wire::FAILED);
-                report.set_copiedsize(room);
-                target->send(Message::FileCopyResponse, report);
-                m_copy->stop();
-                return;
-            }
-            if (step == steps) {
-                finishCopy(request, total, files, target);
-                return;
-            }
-            report.set_code(Wire::PROGRESS);
-            report.set_copiedsize(m_copyProgress);
-            report.set_copiedfiles(files * static_cast<quint64>(step) / static_cast<quint64>(steps));
-            report.set_totalfiles(files);
-            target->send(Message::FileCopyResponse, report);
-        }, this);
+    m_copy = new FileCopyTask(m_machine, m_timings, request, client, this);
     m_copy->start();
     return true;
-}
-
-void MigrationRequests::finishCopy(const Wire::FileCopyRequest& request, quint64 copied, quint64 files,
-    ClientConnection* client)
-{
-    const Machine::PartitionInfo* source = m_machine.partition(request.sourcedriveid(), request.sourcepartitionid());
-    Machine::PartitionInfo* destination = m_machine.partition(request.destinationdriveid(), request.destinationpartitionid());
-    Wire::FileCopyReport report;
-    report.set_code(Wire::SUCCESS);
-    report.set_copiedsize(copied);
-    report.set_copiedfiles(files);
-    report.set_totalfiles(files);
-    // The disks may have changed under the copy; then nothing lands.
-    if (source && destination) {
-        destination->set_used(destination->used() + copied);
-        const QString letter = normalizedLetter(QString::fromStdString(source->letter()));
-        if (const PartitionContent* content = m_machine.findContent(request.sourcedriveid(), request.sourcepartitionid())) {
-            const FilterRules rules = rulesOf(request.filter());
-            const FileTree copiedTree = content->files.filtered(
-                [&](const QString& path) { return rules.keeps(letter + QLatin1Char('\\') + path); });
-            for (const QString& file : content->faultedFiles)
-                report.add_faultedfiles(file.toStdString());
-            for (const QString& directory : content->faultedDirectories)
-                report.add_faulteddirectories(directory.toStdString());
-            m_machine.content(request.destinationdriveid(), request.destinationpartitionid()).files = copiedTree;
-        }
-    }
-    Logger::info(QString(), QStringLiteral("Copy finished: %1 bytes, %2 faulted files").arg(copied).arg(report.faultedfiles_size()));
-    client->send(Message::FileCopyResponse, report);
 }
 
 void MigrationRequests::cancelCopy(ClientConnection* client)
@@ -351,12 +258,7 @@ void MigrationRequests::cancelCopy(ClientConnection* client)
         Logger::warning(QString(), QStringLiteral("No copy is running; nothing to cancel"));
         return;
     }
-    m_copy->stop();
-    Wire::FileCopyReport report;
-    report.set_code(Wire::CANCELED);
-    report.set_copiedsize(m_copyProgress);
-    Logger::info(QString(), QStringLiteral("Copy canceled after %1 bytes").arg(m_copyProgress));
-    later(client, m_timings.copyStepMs, [report](ClientConnection* target) { target->send(Message::FileCopyResponse, report); });
+    m_copy->cancel(client);
 }
 
 bool MigrationRequests::configureBoot(const QByteArray& payload, ClientConnection* client)

@@ -4,13 +4,9 @@
 
 #include <QPointer>
 
-namespace Velmora::Message {
-class FileCopyRequest;
-}
-
 namespace Velmora::ServiceSim {
 
-class SteppedTask;
+class FileCopyTask;
 
 // The steps of a migration as the service carries them out on the destination drive: clean the
 // disk, create and format partitions, copy a volume's files with progress, make the drive
@@ -37,12 +33,9 @@ private:
 
     // Why a new partition cannot go where it was asked to; empty when it can.
     QString placementProblem(const Machine::DriveInfo& drive, const Machine::PartitionInfo& wanted) const;
-    void finishCopy(const Velmora::Message::FileCopyRequest& request, quint64 copied, quint64 files,
-        ClientConnection* client);
 
     // One copy runs at a time, as on the service.
-    QPointer<SteppedTask> m_copy;
-    quint64 m_copyProgress = 0;
+    QPointer<FileCopyTask> m_copy;
 };
 
 } // namespace Velmora::ServiceSim

@@ -85,6 +85,7 @@ bool SimulatorOptions::parse(const QStringList& arguments, QString* error)
     if (!countsRead)
         return false;
     seed = static_cast<quint32>(seedValue);
+    faults.seed = seed;
 
     for (const QString& spec : parser.values(QStringLiteral("delay"))) {
         if (!faults.addDelay(spec, error))
