@@ -1,6 +1,9 @@
 #include "application/Logger.h"
 #include "communication/Dispatcher.h"
 #include "communication/NamedPipeClient.h"
+#include "performance/PerformanceCheck.h"
+#include "smart/SmartManager.h"
+#include "system/SupportedDrivesManager.h"
 #include "system/System.h"
 #include "system/SystemManager.h"
 
@@ -8,6 +11,8 @@
 
 using namespace Velmora;
 
+// Creates and wires the long-lived objects in their fixed order; nothing else does. The objects
+// live to the end of the process.
 int main(int argc, char* argv[])
 {
     auto* app = new QCoreApplication(argc, argv);
@@ -28,12 +33,20 @@ int main(int argc, char* argv[])
         pipeClient, &Communication::NamedPipeClient::sendMessage);
 
     auto* system = new System::System(app);
+    System::SupportedDrivesManager::instance();
+
     auto* systemManager = new System::SystemManager(system, app);
     dispatcher->registerHandler(systemManager);
+    auto* smartManager = new Smart::SmartManager(system, app);
+    dispatcher->registerHandler(smartManager);
+
+    auto* performanceCheck = new Performance::PerformanceCheck(system, app);
+    dispatcher->registerHandler(performanceCheck);
 
     pipeClient->connectToServer();
     const int result = QCoreApplication::exec();
 
     Logger::warning(QString(), QStringLiteral("Closing application"));
+    System::SupportedDrivesManager::release();
     return result;
 }
