@@ -10,14 +10,48 @@ HttpTestServer::HttpTestServer(QObject* parent)
     connect(&m_server, &QTcpServer::newConnection, this, &HttpTestServer::onNewConnection);
 }
 
+HttpTestServer::~HttpTestServer()
+{
+    // The sockets outlive our members otherwise, and their destruction reaches back into them.
+    for (QTcpSocket* socket : m_server.findChildren<QTcpSocket*>())
+        disconnect(socket, nullptr, this, nullptr);
+}
+
 bool HttpTestServer::listen()
 {
-    return m_server.listen(QHostAddress::LocalHost);
+    if (!m_server.listen(QHostAddress::LocalHost, m_port))
+        return false;
+    m_port = m_server.serverPort();
+    return true;
+}
+
+bool HttpTestServer::restart()
+{
+    return listen();
+}
+
+void HttpTestServer::shutDown()
+{
+    m_server.close();
+    m_stalled.clear();
+    const QList<QTcpSocket*> sockets = m_pending.keys();
+    for (QTcpSocket* socket : sockets)
+        socket->abort();
+}
+
+void HttpTestServer::releaseStalled()
+{
+    const auto stalled = m_stalled;
+    m_stalled.clear();
+    for (const auto& entry : stalled) {
+        entry.first->write(entry.second);
+        entry.first->disconnectFromHost();
+    }
 }
 
 QUrl HttpTestServer::baseUrl() const
 {
-    return QUrl(QStringLiteral("http://127.0.0.1:%1/kestravin/public/api/").arg(m_server.serverPort()));
+    return QUrl(QStringLiteral("http://127.0.0.1:%1/kestravin/public/api/").arg(m_port));
 }
 
 void HttpTestServer::enqueue(const Answer& answer)
@@ -39,7 +73,13 @@ void HttpTestServer::onNewConnection()
     while (QTcpSocket* socket = m_server.nextPendingConnection()) {
         connect(socket, &QTcpSocket::readyRead, this, [this, socket] { onReadyRead(socket); });
         connect(socket, &QTcpSocket::disconnected, socket, &QObject::deleteLater);
-        connect(socket, &QObject::destroyed, this, [this, socket] { m_pending.remove(socket); });
+        connect(socket, &QObject::destroyed, this, [this, socket] {
+            m_pending.remove(socket);
+            for (int i = m_stalled.size() - 1; i >= 0; --i) {
+                if (m_stalled.at(i).first == socket)
+                    m_stalled.removeAt(i);
+            }
+        });
     }
 }
 
@@ -68,21 +108,34 @@ void HttpTestServer::onReadyRead(QTcpSocket* socket)
         buffer.remove(0, headerEnd + 4 + length);
         m_requests.append(request);
         emit requestReceived();
-        answer(socket);
+        answer(socket, request);
     }
 }
 
-void HttpTestServer::answer(QTcpSocket* socket)
+void HttpTestServer::answer(QTcpSocket* socket, const Request& request)
 {
-    const Answer reply = m_answers.isEmpty() ? Answer() : (m_answers.size() > 1 ? m_answers.takeFirst() : m_answers.first());
+    Answer reply;
+    if (m_responder)
+        reply = m_responder(request);
+    else if (!m_answers.isEmpty())
+        reply = m_answers.size() > 1 ? m_answers.takeFirst() : m_answers.first();
     if (reply.silent)
         return;
+    if (reply.drop) {
+        socket->abort();
+        return;
+    }
     QByteArray head = "HTTP/1.1 " + QByteArray::number(reply.status) + " Status\r\n";
     head += "Content-Type: " + reply.contentType + "\r\n";
     head += "Content-Length: " + QByteArray::number(reply.body.size()) + "\r\n";
     for (const auto& header : reply.extraHeaders)
         head += header.first + ": " + header.second + "\r\n";
     head += "Connection: close\r\n\r\n";
+    if (reply.stallAfter >= 0) {
+        socket->write(head + reply.body.left(reply.stallAfter));
+        m_stalled.append({socket, reply.body.mid(reply.stallAfter)});
+        return;
+    }
     socket->write(head + reply.body);
     socket->disconnectFromHost();
 }

@@ -1,0 +1,10 @@
+#include "communicationweb/AdAvabilityResponse.h"
+
+namespace Velmora::CommunicationWeb {
+
+AdAvabilityResponse::AdAvabilityResponse(QObject* parent)
+    : JsonMessage(parent)
+{
+}
+
+} // namespace Velmora::CommunicationWeb

@@ -1,0 +1,10 @@
+#include "communicationweb/ApplicationUpdateResponse.h"
+
+namespace Velmora::CommunicationWeb {
+
+ApplicationUpdateResponse::ApplicationUpdateResponse(QObject* parent)
+    : JsonMessage(parent)
+{
+}
+
+} // namespace Velmora::CommunicationWeb

@@ -1,0 +1,10 @@
+#include "communicationweb/FirmwareResponse.h"
+
+namespace Velmora::CommunicationWeb {
+
+FirmwareResponse::FirmwareResponse(QObject* parent)
+    : JsonMessage(parent)
+{
+}
+
+} // namespace Velmora::CommunicationWeb

@@ -1,0 +1,10 @@
+#include "communicationweb/SupportResponse.h"
+
+namespace Velmora::CommunicationWeb {
+
+SupportResponse::SupportResponse(QObject* parent)
+    : JsonMessage(parent)
+{
+}
+
+} // namespace Velmora::CommunicationWeb
