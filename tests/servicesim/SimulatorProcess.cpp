@@ -3,6 +3,7 @@
 #include "support/TestEnvironment.h"
 
 #include <QCoreApplication>
+#include <QDebug>
 #include <QTest>
 
 SimulatorProcess::SimulatorProcess(const QStringList& arguments, const QString& name)
@@ -13,6 +14,9 @@ SimulatorProcess::SimulatorProcess(const QStringList& arguments, const QString& 
 
 SimulatorProcess::~SimulatorProcess()
 {
+    // What the service logged is the best clue to a failed test.
+    if (QTest::currentTestFailed())
+        qWarning().noquote() << "Log of the service" << m_name << ":\n" << output().right(6000);
     if (m_process.state() != QProcess::NotRunning) {
         m_process.kill();
         m_process.waitForFinished(3000);

@@ -150,6 +150,7 @@ private slots:
     void systemPaths_data();
     void systemPaths();
     void filteredSizeOfAVolume();
+    void filteredSizeStops();
     void migrationChain();
     void migrationRefusals_data();
     void migrationRefusals();
@@ -159,6 +160,9 @@ private slots:
     void answerFaults();
     void otherScenariosLoad_data();
     void otherScenariosLoad();
+    void healthRulesAreVisible_data();
+    void healthRulesAreVisible();
+    void logicalPartitionsOnAnMbrDisk();
 };
 
 void ServiceSimRequestsTest::versionHandshake_data()
@@ -455,6 +459,16 @@ void ServiceSimRequestsTest::fileCategoryScanProgressesAndFinishes()
     QVERIFY(session.link->take(Message::FileCat, &again));
     QVERIFY(again.finished());
     QCOMPARE(sumOf(again), used);
+
+    // A stop after the end neither answers nor throws the result away.
+    Wire::FileTypeStructureRequest stop;
+    stop.set_driveid(SystemDrive);
+    stop.set_action(Wire::FileTypeStructureRequest::Stop);
+    session.link->send(Message::FileTypeStructureReq, stop);
+    session.link->send(Message::FileTypeStructureReq, ask);
+    QVERIFY(session.link->take(Message::FileCat, &again));
+    QVERIFY(again.finished());
+    QCOMPARE(session.link->pending(Message::FileCat), 0);
 }
 
 void ServiceSimRequestsTest::fileCategoryScanStops()
@@ -936,6 +950,122 @@ void ServiceSimRequestsTest::otherScenariosLoad()
         }
         QVERIFY(end <= drive.size());
     }
+}
+
+void ServiceSimRequestsTest::filteredSizeStops()
+{
+    Session session = startSession({"--scan-step-ms", "60"});
+    QVERIFY(session.link);
+    Wire::FileTypeStructureRequest request;
+    request.set_driveid(SystemDrive);
+    request.set_partitionid(int(WindowsPartition));
+    request.set_action(Wire::FileTypeStructureRequest::Start);
+    session.link->send(Message::MigrationFilterTypeRequest, request);
+    Wire::FileTypeStructure report;
+    QVERIFY(session.link->take(Message::MigrationFilterTypeResponse, &report));
+    QCOMPARE(int(report.code()), 7);
+
+    Wire::FileTypeStructureRequest stop;
+    stop.set_action(Wire::FileTypeStructureRequest::Stop);
+    session.link->send(Message::MigrationFilterTypeRequest, stop);
+    QTest::qWait(300);
+    QCOMPARE(session.link->pending(Message::MigrationFilterTypeResponse), 0);
+}
+
+void ServiceSimRequestsTest::healthRulesAreVisible_data()
+{
+    QTest::addColumn<quint32>("driveId");
+    QTest::addColumn<double>("minUsed"); // share of the capacity in use, as the program reckons it
+    QTest::addColumn<double>("maxUsed");
+    QTest::addColumn<int>("minLife");    // raw value of attribute 231
+    QTest::addColumn<int>("maxLife");
+    QTest::addColumn<bool>("slowerLink");
+
+    QTest::newRow("free space under 10%, life under 70%") << 0u << 0.9 << 1.0 << 10 << 69 << false;
+    QTest::newRow("free space under 20%, life under 10%") << 1u << 0.8 << 0.9 << 0 << 9 << false;
+    QTest::newRow("SATA link below the drive's speed") << 2u << 0.0 << 0.8 << 70 << 100 << true;
+    QTest::newRow("healthy") << 3u << 0.0 << 0.8 << 70 << 100 << false;
+}
+
+void ServiceSimRequestsTest::healthRulesAreVisible()
+{
+    QFETCH(quint32, driveId);
+    QFETCH(double, minUsed);
+    QFETCH(double, maxUsed);
+    QFETCH(int, minLife);
+    QFETCH(int, maxLife);
+    QFETCH(bool, slowerLink);
+
+    Session session = startSession({"--scenario", "health-warnings"});
+    QVERIFY(session.link);
+    const Wire::SystemInfo_DriveInfo drive = systemInfo(*session.link).drives(int(driveId));
+    quint64 used = 0;
+    for (const auto& partition : drive.partitions())
+        used += partition.used();
+    const double share = double(used) / double(drive.size());
+    QVERIFY2(share > minUsed && share <= maxUsed, qPrintable(QString::number(share)));
+    QCOMPARE(drive.satacurrentspeed() < drive.satasupportedspeed(), slowerLink);
+
+    Wire::SmartRequest request;
+    request.set_driveid(driveId);
+    request.set_allattributes(false);
+    request.set_attributeid(231);
+    session.link->send(Message::SmartRequest, request);
+    Wire::Smart smart;
+    QVERIFY(session.link->take(Message::Smart, &smart));
+    QCOMPARE(smart.attributes_size(), 1);
+    const int life = QByteArray::fromHex(QByteArray::fromStdString(smart.attributes(0).data())).at(0);
+    QVERIFY2(life >= minLife && life <= maxLife, qPrintable(QString::number(life)));
+}
+
+void ServiceSimRequestsTest::logicalPartitionsOnAnMbrDisk()
+{
+    Session session = startSession({"--scenario", "mbr-legacy"});
+    QVERIFY(session.link);
+    ServiceLink& link = *session.link;
+    const Wire::SystemInfo before = systemInfo(link);
+    const Wire::SystemInfo_DriveInfo& source = before.drives(0);
+    QCOMPARE(int(source.partitionformatstyle()), int(Wire::SystemInfo_DriveInfo::MBR));
+    const Wire::PartitionInfo* extended = findPartition(source, 3);
+    QVERIFY(extended && extended->mbrtype() == 0x0F);
+    for (quint32 id : {4u, 5u}) {
+        const Wire::PartitionInfo* logical = findPartition(source, id);
+        QVERIFY(logical && logical->islogical());
+        QVERIFY(logical->offset() > extended->offset());
+        QVERIFY(logical->offset() + logical->size() <= extended->offset() + extended->size());
+    }
+    // The empty drive's controller reports its serial in hexadecimal.
+    const QString serial = QString::fromStdString(before.drives(1).serial());
+    QCOMPARE(serial.size(), 40);
+    QCOMPARE(QString::fromLatin1(QByteArray::fromHex(serial.toLatin1())), QStringLiteral("BT23C0917Q4K8M2RX5A1"));
+
+    // The same layout made anew on the empty drive: a logical drive is one inside the extended one.
+    Wire::CleanDisk clean;
+    clean.set_driveid(EmptyDrive);
+    clean.set_partitionstyle(Wire::CleanDisk::MBR);
+    link.send(Message::CleanDisk, clean);
+    QVERIFY(link.take(Message::CleanDisk, &clean));
+    QCOMPARE(int(clean.code()), 0);
+    QMap<quint32, quint32> created;
+    for (quint32 id : {1u, 3u, 4u}) {
+        const Wire::PartitionInfo* original = findPartition(source, id);
+        Wire::PartitionCreate create;
+        create.set_driveid(EmptyDrive);
+        create.mutable_partition()->set_id(id);
+        create.mutable_partition()->set_offset(original->offset());
+        create.mutable_partition()->set_size(id == 3 ? 200 * GiB : original->size());
+        create.mutable_partition()->set_type(Wire::PartitionInfo::MBR);
+        create.mutable_partition()->set_mbrtype(original->mbrtype());
+        link.send(Message::PartitionCreate, create);
+        QVERIFY(link.take(Message::PartitionCreate, &create));
+        QCOMPARE(int(create.code()), 0);
+        created.insert(id, create.newpartitionid());
+    }
+    const Wire::SystemInfo after = systemInfo(link);
+    QVERIFY(!findPartition(after.drives(1), created.value(1))->islogical());
+    QVERIFY(!findPartition(after.drives(1), created.value(3))->islogical());
+    QVERIFY(findPartition(after.drives(1), created.value(4))->islogical());
+    QCOMPARE(int(after.drives(1).partitionformatstyle()), int(Wire::SystemInfo_DriveInfo::MBR));
 }
 
 KESTRAVIN_TEST_MAIN(ServiceSimRequestsTest)

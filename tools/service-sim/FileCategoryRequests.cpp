@@ -61,8 +61,13 @@ bool FileCategoryRequests::handle(quint32, const QByteArray& payload, ClientConn
             startScan(request, client);
         break;
     case Wire::FileTypeStructureRequest::Stop:
-        stopScan(request.driveid());
-        reportGone(request.driveid(), request.partitionid(), client);
+        // Only a running scan goes; a finished one keeps its result for later reports.
+        if (m_scans.contains(request.driveid()) && !m_scans.value(request.driveid()).finished) {
+            stopScan(request.driveid());
+            reportGone(request.driveid(), request.partitionid(), client);
+        } else {
+            Logger::info(QString(), QStringLiteral("No scan of drive %1 running to stop").arg(request.driveid()));
+        }
         break;
     default:
         report(request.driveid(), client);

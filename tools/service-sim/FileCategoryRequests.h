@@ -15,8 +15,8 @@ namespace Velmora::ServiceSim {
 class SteppedTask;
 
 // File-category scans: the service walks a drive's volumes and sums file sizes by the client's
-// rules (paths, extensions), reporting as it goes. One scan per drive; its result stays for
-// later reports until it is stopped.
+// rules (paths, extensions), reporting as it goes. One scan per drive; a finished scan's result
+// stays for later reports, a running one can be stopped.
 class FileCategoryRequests : public RequestGroup
 {
     Q_OBJECT
