@@ -1,17 +1,15 @@
 #!/usr/bin/env bash
-# Installs what is missing, builds, and starts the program against the simulated service.
+# Installs what is missing, builds, and starts the program. The program starts the simulated
+# service beside it by itself. Without a display it runs inside a virtual one (Xvfb).
 # Extra arguments go to the program (for example -minimized).
 set -euo pipefail
 cd "$(dirname "$0")/.."
 
 bash scripts/install-deps.sh
 bash scripts/build.sh
-bin="${BUILD_DIR:-build}/bin"
+program="${BUILD_DIR:-build}/bin/kestravin"
 
-service_pid=
-if [ -x "$bin/Kestravin_Service" ]; then
-  "$bin/Kestravin_Service" &
-  service_pid=$!
-  trap '[ -n "$service_pid" ] && kill "$service_pid" 2>/dev/null || true' EXIT
+if [ -z "${DISPLAY:-}" ] && [ -z "${WAYLAND_DISPLAY:-}" ]; then
+  exec xvfb-run -a "$program" "$@"
 fi
-"$bin/kestravin" "$@"
+exec "$program" "$@"

@@ -1,4 +1,5 @@
 #include "application/Logger.h"
+#include "application/ServiceManager.h"
 #include "communication/Dispatcher.h"
 #include "communication/NamedPipeClient.h"
 #include "performance/PerformanceCheck.h"
@@ -7,7 +8,7 @@
 #include "system/System.h"
 #include "system/SystemManager.h"
 
-#include <QCoreApplication>
+#include <QApplication>
 
 using namespace Velmora;
 
@@ -15,7 +16,7 @@ using namespace Velmora;
 // live to the end of the process.
 int main(int argc, char* argv[])
 {
-    auto* app = new QCoreApplication(argc, argv);
+    auto* app = new QApplication(argc, argv);
     QCoreApplication::setOrganizationName(QStringLiteral("BRANTEL"));
     QCoreApplication::setApplicationName(QStringLiteral("KESTRAVIN"));
 
@@ -32,6 +33,13 @@ int main(int argc, char* argv[])
     QObject::connect(dispatcher, &Communication::Dispatcher::sendMessageToClient,
         pipeClient, &Communication::NamedPipeClient::sendMessage);
 
+    auto* serviceManager = new Application::ServiceManager(app);
+    dispatcher->registerHandler(serviceManager);
+    QObject::connect(pipeClient, &Communication::NamedPipeClient::messageReceived,
+        serviceManager, &Application::ServiceManager::onMessageReceived);
+    QObject::connect(pipeClient, &Communication::NamedPipeClient::sendingMessage,
+        serviceManager, &Application::ServiceManager::onMessageSend);
+
     auto* system = new System::System(app);
     System::SupportedDrivesManager::instance();
 
@@ -44,7 +52,7 @@ int main(int argc, char* argv[])
     dispatcher->registerHandler(performanceCheck);
 
     pipeClient->connectToServer();
-    const int result = QCoreApplication::exec();
+    const int result = QApplication::exec();
 
     Logger::warning(QString(), QStringLiteral("Closing application"));
     System::SupportedDrivesManager::release();

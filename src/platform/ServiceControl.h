@@ -1,0 +1,39 @@
+#pragma once
+
+#include <QByteArray>
+#include <QString>
+
+#include <memory>
+
+namespace Velmora::Platform {
+
+// What the program needs of the operating system's service control: is the privileged service
+// there and running, and make it so. Each platform brings its own; tests bring theirs.
+class ServiceControl
+{
+public:
+    enum class State { ManagerUnavailable, NotInstalled, Running, StartPending, Stopped, QueryFailed };
+
+    // The outcome of one control command, as a process reports it.
+    struct CommandResult {
+        bool normalExit = false;
+        int exitCode = -1;
+        QByteArray output;
+        bool succeeded() const { return normalExit && exitCode == 0; }
+    };
+
+    virtual ~ServiceControl() = default;
+
+    virtual State query() = 0;
+    // The command line the next install or start runs, for the log.
+    virtual QString installCommand() const = 0;
+    virtual QString startCommand() const = 0;
+    virtual CommandResult install(int timeoutMs) = 0;
+    virtual CommandResult start(int timeoutMs) = 0;
+};
+
+// The control of this platform for the service executable `fileName` beside the program, reached
+// at the local socket `serverName`.
+std::unique_ptr<ServiceControl> createServiceControl(const QString& fileName, const QString& serverName);
+
+} // namespace Velmora::Platform

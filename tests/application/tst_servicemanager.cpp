@@ -1,0 +1,283 @@
+#include "application/ServiceManager.h"
+#include "platform/LinuxServiceControl.h"
+#include "support/LogCapture.h"
+#include "support/TestEnvironment.h"
+
+#include "Version.pb.h"
+
+#include <QCoreApplication>
+#include <QFileInfo>
+#include <QLocalSocket>
+#include <QProcess>
+#include <QSignalSpy>
+#include <QTest>
+
+using Velmora::Application::ServiceManager;
+using Velmora::Message::Message;
+using Velmora::Platform::ServiceControl;
+
+namespace {
+
+// Plays the operating system's service control from a script and records what it was asked.
+class ScriptedControl : public ServiceControl
+{
+public:
+    QList<State> states;
+    CommandResult installResult;
+    CommandResult startResult;
+    QStringList calls;
+
+    State query() override
+    {
+        calls << QStringLiteral("query");
+        return states.size() > 1 ? states.takeFirst() : states.value(0, State::Running);
+    }
+    QString installCommand() const override { return QStringLiteral("install-it"); }
+    QString startCommand() const override { return QStringLiteral("start-it"); }
+    CommandResult install(int) override
+    {
+        calls << QStringLiteral("install");
+        return installResult;
+    }
+    CommandResult start(int) override
+    {
+        calls << QStringLiteral("start");
+        return startResult;
+    }
+};
+
+ServiceControl::CommandResult exited(int code, const QByteArray& output = QByteArray())
+{
+    ServiceControl::CommandResult result;
+    result.normalExit = true;
+    result.exitCode = code;
+    result.output = output;
+    return result;
+}
+
+QByteArray version(quint32 major, quint32 minor, quint32 patch)
+{
+    Velmora::Message::Version message;
+    message.set_major(major);
+    message.set_minor(minor);
+    message.set_patch(patch);
+    QByteArray bytes;
+    bytes.resize(static_cast<int>(message.ByteSizeLong()));
+    message.SerializeToArray(bytes.data(), bytes.size());
+    return bytes;
+}
+
+using States = QList<ServiceControl::State>;
+
+} // namespace
+
+Q_DECLARE_METATYPE(States)
+
+class TestServiceManager : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void initTestCase();
+    void init();
+    void cleanup();
+
+    void bringsTheServiceUp_data();
+    void bringsTheServiceUp();
+    void checksTheVersion_data();
+    void checksTheVersion();
+    void watchesEveryFrameSent();
+    void failsOnlyOnce();
+    void startsTheRealServiceBesideTheProgram();
+
+private:
+    ServiceManager* make(ScriptedControl* control);
+
+    ScriptedControl* m_control = nullptr;
+    ServiceManager* m_manager = nullptr;
+    QStringList m_boxes;
+    QList<int> m_exits;
+};
+
+void TestServiceManager::initTestCase()
+{
+    Velmora::Logger::setConsoleEnabled(false);
+    qRegisterMetaType<Message::MessageType>();
+}
+
+void TestServiceManager::init()
+{
+    m_boxes.clear();
+    m_exits.clear();
+    m_control = new ScriptedControl;
+}
+
+void TestServiceManager::cleanup()
+{
+    delete m_manager;
+    m_manager = nullptr;
+}
+
+ServiceManager* TestServiceManager::make(ScriptedControl* control)
+{
+    m_manager = new ServiceManager(nullptr, std::unique_ptr<ServiceControl>(control), QStringLiteral("unused"));
+    m_manager->setIntervals(10, 100, 200);
+    m_manager->setCriticalMessage([this](const QString& title, const QString& text) { m_boxes << title + QLatin1Char('|') + text; });
+    m_manager->setExit([this](int code) { m_exits << code; });
+    return m_manager;
+}
+
+void TestServiceManager::bringsTheServiceUp_data()
+{
+    QTest::addColumn<States>("states");
+    QTest::addColumn<int>("installExit");
+    QTest::addColumn<int>("startExit");
+    QTest::addColumn<QStringList>("calls");
+    QTest::addColumn<int>("status");
+    QTest::addColumn<QList<int>>("exits");
+
+    using S = ServiceControl::State;
+    QTest::newRow("running is left alone") << States{S::Running} << 0 << 0 << QStringList{"query"}
+                                           << int(ServiceManager::Running) << QList<int>{};
+    QTest::newRow("no service manager") << States{S::ManagerUnavailable} << 0 << 0 << QStringList{"query"}
+                                        << int(ServiceManager::Running) << QList<int>{};
+    QTest::newRow("stopped is started") << States{S::Stopped} << 0 << 0 << QStringList{"query", "start"}
+                                        << int(ServiceManager::Starting) << QList<int>{};
+    QTest::newRow("start refused: access denied") << States{S::Stopped} << 0 << 5 << QStringList{"query", "start"}
+                                                  << int(ServiceManager::Failed) << QList<int>{2};
+    QTest::newRow("start failed otherwise") << States{S::Stopped} << 0 << 1 << QStringList{"query", "start"}
+                                            << int(ServiceManager::Failed) << QList<int>{1};
+    QTest::newRow("not installed is installed") << States{S::NotInstalled} << 0 << 0 << QStringList{"query", "install"}
+                                                << int(ServiceManager::Starting) << QList<int>{};
+    QTest::newRow("install refused") << States{S::NotInstalled} << 5 << 0 << QStringList{"query", "install"}
+                                     << int(ServiceManager::Failed) << QList<int>{2};
+    QTest::newRow("start pending is polled again")
+        << States{S::StartPending, S::StartPending, S::Running} << 0 << 0 << QStringList{"query", "query", "query"}
+        << int(ServiceManager::Running) << QList<int>{};
+    QTest::newRow("query failed: nothing happens") << States{S::QueryFailed} << 0 << 0 << QStringList{"query"}
+                                                   << int(ServiceManager::Unknown) << QList<int>{};
+}
+
+void TestServiceManager::bringsTheServiceUp()
+{
+    QFETCH(States, states);
+    QFETCH(int, installExit);
+    QFETCH(int, startExit);
+    QFETCH(QStringList, calls);
+    QFETCH(int, status);
+    QFETCH(QList<int>, exits);
+
+    m_control->states = states;
+    m_control->installResult = exited(installExit, "  denied \n");
+    m_control->startResult = exited(startExit, "denied");
+    LogCapture log;
+    make(m_control);
+    QTRY_COMPARE(m_control->calls, calls);
+    QTest::qWait(30);
+    QCOMPARE(m_control->calls, calls);
+    QCOMPARE(int(m_manager->status()), status);
+    QCOMPARE(m_exits, exits);
+    if (!exits.isEmpty()) {
+        QCOMPARE(m_boxes, QStringList{QStringLiteral("ERROR|COULD NOT COMMUNICATE WITH SERVICE.")});
+        const QString failed = calls.last() == QLatin1String("start")
+            ? QStringLiteral("Process failed with %1 denied.").arg(startExit)
+            : QStringLiteral("Process failed with %1 denied").arg(installExit);
+        QCOMPARE(log.count(failed), 1);
+        QCOMPARE(log.count(QStringLiteral("Service error %1.").arg(exits.first())), 1);
+    }
+}
+
+void TestServiceManager::checksTheVersion_data()
+{
+    QTest::addColumn<int>("type");
+    QTest::addColumn<QByteArray>("payload");
+    QTest::addColumn<QList<int>>("exits");
+    QTest::addColumn<QString>("logged");
+
+    const QString mismatch = QStringLiteral("ERROR|SERVICE VERSION IS DIFFERENT THAN APPLICATION VERSION, REINSTALL APPLICATION");
+    QTest::newRow("another patch is fine") << int(Message::Version) << version(1, 1, 9) << QList<int>{}
+                                           << "Service version: Service version: 1.1.9 App version: 1.1.4";
+    QTest::newRow("another minor") << int(Message::Version) << version(1, 2, 4) << QList<int>{4}
+                                   << "Service version: Service version: 1.2.4 App version: 1.1.4";
+    QTest::newRow("another major") << int(Message::Version) << version(2, 1, 4) << QList<int>{4}
+                                   << "Service version: Service version: 2.1.4 App version: 1.1.4";
+    QTest::newRow("all zero is an empty payload") << int(Message::Version) << QByteArray() << QList<int>{4}
+                                                  << "Service version: Service version: 0.0.0 App version: 1.1.4";
+    QTest::newRow("unparsable") << int(Message::Version) << QByteArray::fromHex("ff") << QList<int>{}
+                                << "Cannot update system information. Message parse failed.";
+    QTest::newRow("wrong type") << int(Message::Smart) << version(1, 1, 4) << QList<int>{}
+                                << "Unexpected message type: Smart.";
+}
+
+void TestServiceManager::checksTheVersion()
+{
+    QFETCH(int, type);
+    QFETCH(QByteArray, payload);
+    QFETCH(QList<int>, exits);
+    QFETCH(QString, logged);
+
+    make(m_control);
+    QSignalSpy sent(m_manager, qOverload<Message::MessageType>(&ServiceManager::sendMessage));
+    m_manager->clientConnected();
+    QCOMPARE(sent.count(), 1);
+    QCOMPARE(sent.at(0).at(0).value<Message::MessageType>(), Message::Version);
+
+    LogCapture log;
+    m_manager->handleMessage(static_cast<Message::MessageType>(type), payload);
+    QCOMPARE(m_exits, exits);
+    QCOMPARE(log.messages(), QStringList{logged});
+    QCOMPARE(m_boxes.size(), exits.size());
+}
+
+void TestServiceManager::watchesEveryFrameSent()
+{
+    make(m_control);
+    QTRY_COMPARE(int(m_manager->status()), int(ServiceManager::Running));
+    m_manager->onMessageReceived();
+    for (int i = 0; i < 10; ++i)
+        m_manager->onMessageSend();
+    m_manager->onMessageReceived();
+    QTest::qWait(300);
+    QVERIFY(m_exits.isEmpty());
+    QCOMPARE(int(m_manager->status()), int(ServiceManager::Responding));
+
+    m_manager->onMessageSend();
+    QTRY_COMPARE(m_exits, QList<int>{1});
+    QCOMPARE(int(m_manager->status()), int(ServiceManager::Failed));
+}
+
+void TestServiceManager::failsOnlyOnce()
+{
+    make(m_control);
+    LogCapture log;
+    m_manager->onServiceError(ServiceManager::AccessDenied);
+    m_manager->onServiceError();
+    QCOMPARE(m_exits, QList<int>{2});
+    QCOMPARE(m_boxes.size(), 1);
+    QCOMPARE(log.messages(Velmora::Logger::Error),
+        (QStringList{QStringLiteral("Service error 2."), QStringLiteral("Service error 1.")}));
+}
+
+void TestServiceManager::startsTheRealServiceBesideTheProgram()
+{
+    const QString executable = QCoreApplication::applicationDirPath() + QStringLiteral("/Kestravin_Service");
+    if (!QFileInfo(executable).isExecutable())
+        QSKIP("the simulated service is not part of this build");
+    const QString name = TestEnvironment::uniqueName(QStringLiteral("service"));
+    Velmora::Platform::LinuxServiceControl control(executable, name);
+    QCOMPARE(control.query(), ServiceControl::State::Stopped);
+    const ServiceControl::CommandResult result = control.start(5000);
+    QVERIFY2(result.succeeded(), result.output.constData());
+    QCOMPARE(control.query(), ServiceControl::State::Running);
+
+    // Stop it again: it would outlive the test otherwise.
+    QProcess::execute(QStringLiteral("pkill"), {QStringLiteral("-f"), QStringLiteral("Kestravin_Service --name %1").arg(name)});
+    QTRY_COMPARE(control.query(), ServiceControl::State::Stopped);
+
+    Velmora::Platform::LinuxServiceControl missing(executable + QStringLiteral(".absent"), name);
+    QCOMPARE(missing.query(), ServiceControl::State::NotInstalled);
+    QCOMPARE(missing.install(100).exitCode, 1);
+}
+
+KESTRAVIN_TEST_MAIN(TestServiceManager)
+#include "tst_servicemanager.moc"
