@@ -22,6 +22,7 @@
 #include <QDir>
 #include <QFileInfo>
 #include <QTemporaryDir>
+#include <QTemporaryFile>
 #include <QTest>
 
 #include <cmath>
@@ -163,6 +164,7 @@ private slots:
     void healthRulesAreVisible_data();
     void healthRulesAreVisible();
     void logicalPartitionsOnAnMbrDisk();
+    void scenarioFromAFile();
 };
 
 void ServiceSimRequestsTest::versionHandshake_data()
@@ -1066,6 +1068,62 @@ void ServiceSimRequestsTest::logicalPartitionsOnAnMbrDisk()
     QVERIFY(!findPartition(after.drives(1), created.value(3))->islogical());
     QVERIFY(findPartition(after.drives(1), created.value(4))->islogical());
     QCOMPARE(int(after.drives(1).partitionformatstyle()), int(Wire::SystemInfo_DriveInfo::MBR));
+}
+
+void ServiceSimRequestsTest::scenarioFromAFile()
+{
+    QTemporaryFile file(QDir::tempPath() + QStringLiteral("/scenario-XXXXXX.json"));
+    QVERIFY(file.open());
+    file.write(R"({
+      "summary": { "OperatingSystemInfo": { "WindowsDirectory": "C:\\Windows" } },
+      "drives": [ {
+        "Model": "BRANTEL Test 64GB", "Serial": "T1", "Size": "64 GB", "PartitionFormatStyle": "GPT",
+        "smart": [ { "Id": 241, "raw": "0x10", "growth": 2 } ],
+        "Partitions": [
+          { "Size": "100 MiB", "Type": "GPT" },
+          { "Size": "rest", "Type": "GPT", "Letter": "C:", "FileSystem": "NTFS",
+            "files": { "Windows": { "a.dll": "1 MiB" }, "b.txt": 1000 } }
+        ] } ],
+      "faults": { "version": "3.0.1", "fail": [ { "type": "SmartRequest", "occurrence": 2, "code": 2 } ] }
+    })");
+    file.flush();
+
+    Session session = startSession({"--scenario", file.fileName()});
+    QVERIFY(session.link);
+    const Wire::SystemInfo info = systemInfo(*session.link);
+    QCOMPARE(info.drives_size(), 1);
+    const Wire::SystemInfo_DriveInfo& drive = info.drives(0);
+    QCOMPARE(drive.driveid(), 0u);
+    QCOMPARE(drive.size(), 64000000000ull);
+    QCOMPARE(drive.partitions_size(), 2);
+    // Numbered and placed one after the other; the last takes what is left, and is as full as its tree.
+    QCOMPARE(drive.partitions(0).id(), 1u);
+    QCOMPARE(drive.partitions(0).offset(), MiB);
+    QCOMPARE(drive.partitions(1).id(), 2u);
+    QCOMPARE(drive.partitions(1).offset(), 101 * MiB);
+    QVERIFY(drive.partitions(1).offset() + drive.partitions(1).size() <= drive.size());
+    QVERIFY(drive.size() - (drive.partitions(1).offset() + drive.partitions(1).size()) < 3 * MiB);
+    QCOMPARE(drive.partitions(1).used(), MiB + 1000);
+    QVERIFY(!drive.partitions(1).gptid().empty());
+
+    session.link->send(Message::Version);
+    Wire::Version version;
+    QVERIFY(session.link->take(Message::Version, &version));
+    QCOMPARE(int(version.major()), 3);
+
+    Wire::SmartRequest request;
+    request.set_driveid(0);
+    request.set_allattributes(true);
+    Wire::Smart smart;
+    QList<int> codes;
+    for (int i = 0; i < 3; ++i) {
+        session.link->send(Message::SmartRequest, request);
+        QVERIFY(session.link->take(Message::Smart, &smart));
+        codes << int(smart.errorcode());
+    }
+    QCOMPARE(codes, (QList<int>{0, 2, 0}));
+    // One read-out moved the counter on by its growth; the failed one read nothing.
+    QCOMPARE(QString::fromStdString(smart.attributes(0).data()), QStringLiteral("120000000000"));
 }
 
 KESTRAVIN_TEST_MAIN(ServiceSimRequestsTest)

@@ -14,6 +14,7 @@
 #include <QElapsedTimer>
 #include <QFileInfo>
 #include <QLocalSocket>
+#include <QTemporaryFile>
 #include <QTest>
 
 using Velmora::Message::FrameReader;
@@ -82,6 +83,8 @@ class ServiceSimWireTest : public QObject
 private slots:
     void malformedInputIsSurvived_data();
     void malformedInputIsSurvived();
+    void unparsablePayloadOfEveryRequest_data();
+    void unparsablePayloadOfEveryRequest();
     void halfSentFrameDoesNotBlockOtherClients();
     void secondInstanceIsRefused();
     void staleSocketIsCleanedUp();
@@ -91,6 +94,8 @@ private slots:
     void exitsOnRequest();
     void badCommandLineIsRejected_data();
     void badCommandLineIsRejected();
+    void badScenarioIsRejected_data();
+    void badScenarioIsRejected();
 };
 
 void ServiceSimWireTest::malformedInputIsSurvived_data()
@@ -139,6 +144,35 @@ void ServiceSimWireTest::malformedInputIsSurvived()
     client.writeFrame(Message::Version);
     QVERIFY(client.nextFrame(&frame));
     QCOMPARE(frame.type, quint32(Message::Version));
+    QVERIFY(service.isRunning());
+}
+
+void ServiceSimWireTest::unparsablePayloadOfEveryRequest_data()
+{
+    QTest::addColumn<int>("type");
+    for (Message::MessageType type : {Message::CopyLogFilesRequest, Message::FileListRequest,
+             Message::MigrationFilterTypeRequest, Message::MigrationFilterSystemPaths, Message::FileCopyRequest,
+             Message::MigrationBootability, Message::SmartRequest, Message::FileTypeStructureReq,
+             Message::SystemTrimCommand, Message::DiskBenchmarkRequest, Message::PartitionCreate,
+             Message::PartitionRemove, Message::PartitionFormat, Message::CleanDisk})
+        QTest::newRow(qPrintable(Message::typeName(type))) << int(type);
+}
+
+void ServiceSimWireTest::unparsablePayloadOfEveryRequest()
+{
+    QFETCH(int, type);
+
+    SimulatorProcess service({"--task-ms", "0"});
+    QVERIFY(service.start());
+    RawClient client;
+    QVERIFY(client.connectTo(service.name()));
+    // A varint that never ends.
+    client.writeFrame(quint32(type), QByteArray("\xFF\xFF\xFF", 3));
+    FrameReader::Frame frame;
+    QVERIFY(client.nextFrame(&frame));
+    QCOMPARE(frame.type, quint32(Message::Error));
+    QVERIFY(service.waitForOutput(QStringLiteral("the payload of %1 does not parse").arg(Message::typeName(quint32(type)))));
+    QVERIFY(client.framesWithin(30).isEmpty());
     QVERIFY(service.isRunning());
 }
 
@@ -289,6 +323,40 @@ void ServiceSimWireTest::badCommandLineIsRejected()
     QFETCH(QString, reason);
 
     SimulatorProcess service(arguments);
+    QVERIFY(service.runToEnd());
+    QCOMPARE(service.process().exitCode(), 1);
+    const QString message = service.errorOutput();
+    QVERIFY2(message.contains(reason), qPrintable(message));
+}
+
+void ServiceSimWireTest::badScenarioIsRejected_data()
+{
+    QTest::addColumn<QByteArray>("scenario");
+    QTest::addColumn<QString>("reason");
+
+    QTest::newRow("not JSON") << QByteArray("{ drives: ") << QStringLiteral("no JSON object");
+    QTest::newRow("size without a known unit")
+        << QByteArray(R"({"drives": [{"Size": "12 parsecs"}]})") << QStringLiteral("Unreadable size");
+    QTest::newRow("field of the wrong kind")
+        << QByteArray(R"({"drives": [{"Model": {"nested": 1}}]})") << QStringLiteral("Model");
+    QTest::newRow("file without a size")
+        << QByteArray(R"({"drives": [{"Partitions": [{"files": {"a.txt": "big"}}]}]})") << QStringLiteral("a.txt");
+    QTest::newRow("SMART attribute without an id")
+        << QByteArray(R"({"drives": [{"smart": [{"raw": 5}]}]})") << QStringLiteral("SMART attribute");
+    QTest::newRow("fault of an unknown type")
+        << QByteArray(R"({"faults": {"never": ["Teleport"]}})") << QStringLiteral("Teleport");
+}
+
+void ServiceSimWireTest::badScenarioIsRejected()
+{
+    QFETCH(QByteArray, scenario);
+    QFETCH(QString, reason);
+
+    QTemporaryFile file(QDir::tempPath() + QStringLiteral("/scenario-XXXXXX.json"));
+    QVERIFY(file.open());
+    file.write(scenario);
+    file.flush();
+    SimulatorProcess service({"--scenario", file.fileName()});
     QVERIFY(service.runToEnd());
     QCOMPARE(service.process().exitCode(), 1);
     const QString message = service.errorOutput();
