@@ -53,6 +53,8 @@ bool BackendServer::start(QString* error)
     }
     m_server->new_task_queue = [] { return new httplib::ThreadPool(WorkerThreads); };
     m_server->set_payload_max_length(MaximumBody);
+    // Small answers on loopback: don't let Nagle hold them back for a delayed acknowledgement.
+    m_server->set_tcp_nodelay(true);
     m_server->set_logger([](const httplib::Request& request, const httplib::Response& response) {
         const QString line = QStringLiteral("%1 %2 -> %3")
                                  .arg(QString::fromStdString(request.method), QString::fromStdString(request.path))

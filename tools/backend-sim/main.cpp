@@ -8,6 +8,8 @@
 
 #include <QCoreApplication>
 
+#include <atomic>
+#include <chrono>
 #include <csignal>
 #include <cstdio>
 #include <thread>
@@ -44,7 +46,11 @@ int main(int argc, char* argv[])
         return 1;
     }
 
-    std::thread serving([&server] { server.run(); });
+    std::atomic<bool> served{false};
+    std::thread serving([&server, &served] {
+        server.run();
+        served = true;
+    });
     // Tests and scripts wait for this line, which also tells the port picked for --port 0.
     fprintf(stdout, "Kestravin_Backend listening on %s\n", qPrintable(server.apiAddress()));
     fflush(stdout);
@@ -53,6 +59,14 @@ int main(int argc, char* argv[])
     sigwait(&stopSignals, &received);
     Log::info(QStringLiteral("signal %1: stopping").arg(received));
     server.stop();
+    // Workers wait out their idle keep-alive connections before the server returns; nothing of
+    // value is lost by not waiting for them.
+    for (int waited = 0; !served && waited < 50; ++waited)
+        std::this_thread::sleep_for(std::chrono::milliseconds(10));
+    if (!served) {
+        Log::info(QStringLiteral("idle connections left open"));
+        std::_Exit(0);
+    }
     serving.join();
     return 0;
 }
