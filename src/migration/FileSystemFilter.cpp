@@ -33,11 +33,11 @@ QString FileSystemFilter::normalizedKey(const QString& path)
     return components(path).join(FileSystemNode::Separator).toLower();
 }
 
-QString FileSystemFilter::childPath(const QString& path, const QString& name) const
+bool FileSystemFilter::isIgnored(const QString& directoryKey, const QString& nameKey) const
 {
-    QStringList parts = components(path);
-    parts.append(name);
-    return parts.join(FileSystemNode::Separator);
+    if (m_systemIgnoredKeys.isEmpty())
+        return false;
+    return m_systemIgnoredKeys.contains(directoryKey + FileSystemNode::Separator + nameKey);
 }
 
 FileSystemNode* FileSystemFilter::nodeForPath(const QString& path) const
@@ -251,20 +251,20 @@ void FileSystemFilter::addDirs(const QString& path, const QStringList& names, co
     if (parentIndex.isValid())
         emit dataChanged(parentIndex, indexForNode(node, SizeColumn));
 
-    const QString base = node->path();
+    const QString baseKey = normalizedKey(node->path());
     // Directories new to the node go in with one row operation; known ones only change size.
     QList<int> fresh;
     QSet<QString> freshKeys;
     for (int i = 0; i < names.size(); ++i) {
         const QString& name = names.at(i);
-        if (m_systemIgnoredKeys.contains(normalizedKey(childPath(base, name))))
+        const QString key = FileSystemNode::key(name);
+        if (isIgnored(baseKey, key))
             continue;
         const Bytes size = sizes.value(i, Bytes(-1));
-        if (FileSystemNode* known = node->findChild(name)) {
+        if (FileSystemNode* known = node->findChildByKey(key)) {
             addDirectory(node, known->name(), size);
             continue;
         }
-        const QString key = FileSystemNode::key(name);
         if (freshKeys.contains(key))
             continue;
         freshKeys.insert(key);
@@ -295,21 +295,22 @@ void FileSystemFilter::addFiles(const QString& path, const QStringList& names, c
         return;
     }
     const QModelIndex parentIndex = indexForNode(node);
-    const QString base = node->path();
+    const QString baseKey = normalizedKey(node->path());
     QList<int> fresh;
     fresh.reserve(names.size());
     QSet<QString> freshKeys;
+    freshKeys.reserve(names.size());
     for (int i = 0; i < names.size(); ++i) {
         const QString& name = names.at(i);
-        if (m_systemIgnoredKeys.contains(normalizedKey(childPath(base, name))))
+        const QString key = FileSystemNode::key(name);
+        if (isIgnored(baseKey, key))
             continue;
-        if (FileSystemNode* known = node->findChild(name)) {
+        if (FileSystemNode* known = node->findChildByKey(key)) {
             known->setSize(sizes.at(i));
             const QModelIndex at = indexForNode(known, SizeColumn);
             emit dataChanged(at, at);
             continue;
         }
-        const QString key = FileSystemNode::key(name);
         if (freshKeys.contains(key))
             continue;
         freshKeys.insert(key);

@@ -63,7 +63,8 @@ signals:
 
 private:
     static QString normalizedKey(const QString& path);
-    QString childPath(const QString& path, const QString& name) const;
+    // Whether the service wants `nameKey` under the directory of `directoryKey` left out.
+    bool isIgnored(const QString& directoryKey, const QString& nameKey) const;
     FileSystemNode* addDirectory(FileSystemNode* parent, const QString& name, const System::Bytes& size);
     void finishDirectory(FileSystemNode* directory);
     void emitCheckStateChanges(FileSystemNode* node);

@@ -43,6 +43,7 @@ public:
     const QVector<FileSystemNode*>& children() const { return m_children; }
     // Case-insensitive; placeholders are never found by name.
     FileSystemNode* findChild(const QString& name) const;
+    FileSystemNode* findChildByKey(const QString& nameKey) const { return m_byName.value(nameKey); }
     int row() const { return m_row; }
     QString path() const;
 

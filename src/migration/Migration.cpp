@@ -164,8 +164,13 @@ void Migration::startMigration()
         emit migrationFailed(tr("INVALID STATE"));
         return;
     }
-    m_destinationDrive->resizeExtendedPartition();
-    m_totalSize = m_destinationDrive->usedSizeOfMigratedPartitions();
+    // Without a destination the controller finds nothing to do and finishes at once.
+    if (m_destinationDrive) {
+        m_destinationDrive->resizeExtendedPartition();
+        m_totalSize = m_destinationDrive->usedSizeOfMigratedPartitions();
+    } else {
+        m_totalSize = Bytes(0);
+    }
     m_copiedSize = Bytes(0);
     emit start();
 }

@@ -207,6 +207,12 @@ void MigrationController::changeStep(MigrationStep step)
     model->setMigrationStep(step);
     // A finished run refuses every further step; what counts is the step the model now holds.
     const MigrationStep current = model->migrationStep();
+    const bool needsDrive = current >= InitializingDestinationDisk && current <= FixingBootability;
+    if (needsDrive && !destination()) {
+        // The plan was reset under a running task; the watchdog ends the run.
+        Logger::error(QString(), QStringLiteral("Migration destination drive is gone, step: %1").arg(migrationStepName(current)));
+        return;
+    }
     switch (current) {
     case InitializingDestinationDisk: sendCleanDisk(); break;
     case CreatingPartitions: sendCreatePartition(); break;

@@ -266,9 +266,11 @@ bool MigrationDestDrive::resizePartitionsToFitDrive()
             newSizes.insert(p->id(), newSize);
             unallocated -= p->originalSize();
             available -= newSize;
-            Logger::debug(QString(), QString::fromLatin1(partitionLine)
-                                         .arg(p->id())
-                                         .arg(newSize.toString(), p->originalSize().toString()));
+            if (Logger::isEnabled(Logger::Debug)) {
+                Logger::debug(QString(), QString::fromLatin1(partitionLine)
+                                             .arg(p->id())
+                                             .arg(newSize.toString(), p->originalSize().toString()));
+            }
         }
     };
 
@@ -286,8 +288,10 @@ bool MigrationDestDrive::resizePartitionsToFitDrive()
         for (MigrationDestPartition* p : migrated) {
             if (newSizes.contains(p->id()))
                 p->setSize(newSizes.value(p->id()));
-            Logger::debug(QString(),
-                QStringLiteral("Updated partition size (ID: %1): %2").arg(p->id()).arg(p->size().toString()));
+            if (Logger::isEnabled(Logger::Debug)) {
+                Logger::debug(QString(),
+                    QStringLiteral("Updated partition size (ID: %1): %2").arg(p->id()).arg(p->size().toString()));
+            }
         }
     }
     updatePartitionAllowedMaxSizes();
