@@ -66,6 +66,7 @@ HttpResult TrustedClient::finish(QNetworkReply* reply, int timeoutMs)
     QEventLoop loop;
     QTimer limit;
     limit.setSingleShot(true);
+    limit.setTimerType(Qt::PreciseTimer);
     QObject::connect(&limit, &QTimer::timeout, reply, &QNetworkReply::abort);
     QObject::connect(reply, &QNetworkReply::finished, &loop, &QEventLoop::quit);
     limit.start(timeoutMs);
@@ -74,7 +75,8 @@ HttpResult TrustedClient::finish(QNetworkReply* reply, int timeoutMs)
     result.elapsedMs = clock.elapsed();
     result.status = reply->attribute(QNetworkRequest::HttpStatusCodeAttribute).toInt();
     result.error = reply->error();
-    result.body = reply->readAll();
+    if (reply->isOpen())
+        result.body = reply->readAll();
     result.contentType = reply->rawHeader("Content-Type");
     result.location = reply->rawHeader("Location");
     reply->deleteLater();
