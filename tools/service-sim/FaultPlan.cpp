@@ -27,56 +27,56 @@ bool FaultPlan::parseType(const QString& text, quint32* type)
 
 namespace {
 
-bool readTypeAndNumber(const QString& spec, quint32* type, int* number, QString* error)
+bool readTypeAndNumber(const QString& text, quint32* type, int* number, QString* error)
 {
-    const int equals = spec.lastIndexOf(QLatin1Char('='));
+    const int equals = text.lastIndexOf(QLatin1Char('='));
     bool ok = false;
     if (equals > 0) {
-        *number = spec.mid(equals + 1).toInt(&ok);
-        ok = ok && FaultPlan::parseType(spec.left(equals), type);
+        *number = text.mid(equals + 1).toInt(&ok);
+        ok = ok && FaultPlan::parseType(text.left(equals), type);
     }
     if (!ok)
-        *error = QStringLiteral("Expected TYPE=NUMBER, got \"%1\"").arg(spec);
+        *error = QStringLiteral("Expected TYPE=NUMBER, got \"%1\"").arg(text);
     return ok;
 }
 
 } // namespace
 
-bool FaultPlan::addDelay(const QString& spec, QString* error)
+bool FaultPlan::addDelay(const QString& text, QString* error)
 {
     quint32 type = 0;
     int ms = 0;
-    if (!readTypeAndNumber(spec, &type, &ms, error))
+    if (!readTypeAndNumber(text, &type, &ms, error))
         return false;
     m_delays.insert(type, qMax(0, ms));
     return true;
 }
 
-bool FaultPlan::addSilence(const QString& spec, QString* error)
+bool FaultPlan::addSilence(const QString& text, QString* error)
 {
     quint32 type = 0;
-    if (!parseType(spec, &type)) {
-        *error = QStringLiteral("Unknown message type \"%1\"").arg(spec);
+    if (!parseType(text, &type)) {
+        *error = QStringLiteral("Unknown message type \"%1\"").arg(text);
         return false;
     }
     m_silenced.insert(type);
     return true;
 }
 
-bool FaultPlan::addFailure(const QString& spec, QString* error)
+bool FaultPlan::addFailure(const QString& text, QString* error)
 {
     Failure failure;
-    QString typeAndCode = spec;
-    const int hash = spec.indexOf(QLatin1Char('#'));
-    const int equals = spec.lastIndexOf(QLatin1Char('='));
+    QString typeAndCode = text;
+    const int hash = text.indexOf(QLatin1Char('#'));
+    const int equals = text.lastIndexOf(QLatin1Char('='));
     if (hash > 0 && equals > hash) {
         bool ok = false;
-        failure.occurrence = spec.mid(hash + 1, equals - hash - 1).toInt(&ok);
+        failure.occurrence = text.mid(hash + 1, equals - hash - 1).toInt(&ok);
         if (!ok || failure.occurrence < 1) {
-            *error = QStringLiteral("Expected TYPE#N=CODE with N from 1, got \"%1\"").arg(spec);
+            *error = QStringLiteral("Expected TYPE#N=CODE with N from 1, got \"%1\"").arg(text);
             return false;
         }
-        typeAndCode = spec.left(hash) + spec.mid(equals);
+        typeAndCode = text.left(hash) + text.mid(equals);
     }
     if (!readTypeAndNumber(typeAndCode, &failure.type, &failure.code, error))
         return false;
@@ -84,25 +84,25 @@ bool FaultPlan::addFailure(const QString& spec, QString* error)
     return true;
 }
 
-bool FaultPlan::setSplit(const QString& spec, QString* error)
+bool FaultPlan::setSplit(const QString& text, QString* error)
 {
-    if (spec == QLatin1String("random")) {
+    if (text == QLatin1String("random")) {
         splitRandomly = true;
         return true;
     }
     bool ok = false;
-    splitPieceSize = spec.toInt(&ok);
+    splitPieceSize = text.toInt(&ok);
     if (!ok || splitPieceSize < 1) {
-        *error = QStringLiteral("Expected a piece size of at least 1 or \"random\", got \"%1\"").arg(spec);
+        *error = QStringLiteral("Expected a piece size of at least 1 or \"random\", got \"%1\"").arg(text);
         splitPieceSize = 0;
         return false;
     }
     return true;
 }
 
-bool FaultPlan::setVersion(const QString& spec, QString* error)
+bool FaultPlan::setVersion(const QString& text, QString* error)
 {
-    const QStringList parts = spec.split(QLatin1Char('.'));
+    const QStringList parts = text.split(QLatin1Char('.'));
     QList<int> numbers;
     for (const QString& part : parts) {
         bool ok = false;
@@ -112,7 +112,7 @@ bool FaultPlan::setVersion(const QString& spec, QString* error)
         numbers.append(number);
     }
     if (numbers.size() != 3 || parts.size() != 3) {
-        *error = QStringLiteral("Expected a version MAJOR.MINOR.PATCH, got \"%1\"").arg(spec);
+        *error = QStringLiteral("Expected a version MAJOR.MINOR.PATCH, got \"%1\"").arg(text);
         return false;
     }
     version = numbers;
@@ -141,11 +141,11 @@ bool FaultPlan::addFromJson(const QJsonObject& faults, QString* error)
     }
     for (const QJsonValue& value : faults.value(QStringLiteral("fail")).toArray()) {
         const QJsonObject failure = value.toObject();
-        QString spec = failure.value(QStringLiteral("type")).toString();
+        QString text = failure.value(QStringLiteral("type")).toString();
         if (failure.contains(QStringLiteral("occurrence")))
-            spec += QLatin1Char('#') + QString::number(failure.value(QStringLiteral("occurrence")).toInt());
-        spec += QLatin1Char('=') + QString::number(failure.value(QStringLiteral("code")).toInt());
-        if (!addFailure(spec, error))
+            text += QLatin1Char('#') + QString::number(failure.value(QStringLiteral("occurrence")).toInt());
+        text += QLatin1Char('=') + QString::number(failure.value(QStringLiteral("code")).toInt());
+        if (!addFailure(text, error))
             return false;
     }
     garbageBytes = faults.value(QStringLiteral("garbageBytes")).toInt(garbageBytes);

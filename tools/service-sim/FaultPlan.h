@@ -23,11 +23,11 @@ public:
     };
 
     // Each returns false and sets `error` for a text it cannot read.
-    bool addDelay(const QString& spec, QString* error);   // "TYPE=MS"
-    bool addSilence(const QString& spec, QString* error); // "TYPE"
-    bool addFailure(const QString& spec, QString* error); // "TYPE=CODE" or "TYPE#N=CODE"
-    bool setSplit(const QString& spec, QString* error);   // a piece size in bytes, or "random"
-    bool setVersion(const QString& spec, QString* error); // "MAJOR.MINOR.PATCH"
+    bool addDelay(const QString& text, QString* error);   // "TYPE=MS"
+    bool addSilence(const QString& text, QString* error); // "TYPE"
+    bool addFailure(const QString& text, QString* error); // "TYPE=CODE" or "TYPE#N=CODE"
+    bool setSplit(const QString& text, QString* error);   // a piece size in bytes, or "random"
+    bool setVersion(const QString& text, QString* error); // "MAJOR.MINOR.PATCH"
     bool addFromJson(const QJsonObject& faults, QString* error);
 
     int delayFor(quint32 type) const { return m_delays.value(type, 0); }

@@ -87,16 +87,16 @@ bool SimulatorOptions::parse(const QStringList& arguments, QString* error)
     seed = static_cast<quint32>(seedValue);
     faults.seed = seed;
 
-    for (const QString& spec : parser.values(QStringLiteral("delay"))) {
-        if (!faults.addDelay(spec, error))
+    for (const QString& text : parser.values(QStringLiteral("delay"))) {
+        if (!faults.addDelay(text, error))
             return false;
     }
-    for (const QString& spec : parser.values(QStringLiteral("never"))) {
-        if (!faults.addSilence(spec, error))
+    for (const QString& text : parser.values(QStringLiteral("never"))) {
+        if (!faults.addSilence(text, error))
             return false;
     }
-    for (const QString& spec : parser.values(QStringLiteral("fail"))) {
-        if (!faults.addFailure(spec, error))
+    for (const QString& text : parser.values(QStringLiteral("fail"))) {
+        if (!faults.addFailure(text, error))
             return false;
     }
     if (parser.isSet(QStringLiteral("split")) && !faults.setSplit(parser.value(QStringLiteral("split")), error))
