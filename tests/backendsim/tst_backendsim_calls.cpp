@@ -19,6 +19,7 @@ class TestBackendSimCalls : public QObject
 
 private slots:
     void initTestCase();
+    void init();
     void cleanupTestCase();
 
     void handshake_data();
@@ -90,6 +91,11 @@ void TestBackendSimCalls::initTestCase()
     // it would go unseen: check it against a vector computed elsewhere.
     QCOMPARE(hmacHex(sharedKey(), QStringLiteral("0123456789abcdef0123456789abcdef")),
              QStringLiteral("43145723ba01440b7c36d9476e8b33b4ea134851e127037d386d9cdee6e17667"));
+}
+
+// Some tests expire every session; each starts with a fresh one.
+void TestBackendSimCalls::init()
+{
     m_session = authorizedSession(*m_client, *m_backend);
     QVERIFY(!m_session.isEmpty());
 }
@@ -233,9 +239,6 @@ void TestBackendSimCalls::callsWithoutUsableSessionAnswer401()
     QCOMPARE(result.status, 401);
     QCOMPARE(result.error, QNetworkReply::AuthenticationRequiredError);
     QVERIFY(result.json().object().contains(QStringLiteral("error")));
-
-    if (sessionState == QLatin1String("expired")) // the fixture's own session went with it
-        m_session = authorizedSession(*m_client, *m_backend);
 }
 
 void TestBackendSimCalls::expiredSessionGivesWayToNewHandshake()
@@ -262,7 +265,6 @@ void TestBackendSimCalls::expiredSessionGivesWayToNewHandshake()
              QJsonArray::fromStringList({old, fresh}));
     QCOMPARE(journal.at(0).toObject().value(QStringLiteral("status")).toInt(), 200);
     QCOMPARE(journal.at(1).toObject().value(QStringLiteral("status")).toInt(), 401);
-    m_session = fresh;
 }
 
 void TestBackendSimCalls::supportedModelsNameEveryServiceDrive()
