@@ -3,6 +3,7 @@
 #include "BackendTestSupport.h"
 #include "support/TestEnvironment.h"
 
+#include <QFile>
 #include <QJsonArray>
 #include <QJsonObject>
 #include <QTemporaryDir>
@@ -26,6 +27,7 @@ private slots:
     void badFaultsRefusedByAdmin();
 
     void faultFromCommandLine();
+    void filesAndKeysFromCommandLine();
     void badCommandLineRefused_data();
     void badCommandLineRefused();
 
@@ -211,26 +213,79 @@ void TestBackendSimFaults::faultFromCommandLine()
     }
 }
 
+void TestBackendSimFaults::filesAndKeysFromCommandLine()
+{
+    QTemporaryDir files;
+    QVERIFY(files.isValid());
+    const QByteArray installerBytes("MZ stand-in installer\0with a zero byte", 38);
+    const QByteArray pictureBytes("GIF89a tiny");
+    for (const auto& [name, bytes] : {qMakePair(QStringLiteral("setup.exe"), installerBytes),
+                                      qMakePair(QStringLiteral("banner.gif"), pictureBytes)}) {
+        QFile file(files.filePath(name));
+        QVERIFY(file.open(QIODevice::WriteOnly));
+        file.write(bytes);
+    }
+    BackendProcess backend(m_certificates.path(),
+                           {"--quiet", "--shared-key", "0therKey99", "--app-version", "2.0.0", "--installer",
+                            files.filePath("setup.exe"), "--ad-picture", files.filePath("banner.gif"), "--ad-link",
+                            "https://example.org/offer", "--captcha-text", "abcde"});
+    QVERIFY2(backend.start(), qPrintable(backend.log()));
+
+    // The default key no longer opens a session; the one given does.
+    QVERIFY(authorizedSession(*m_client, backend).isEmpty());
+    const QString session = openSession(*m_client, backend);
+    const HttpResult verdict = verifySession(*m_client, backend, session, hmacHex("0therKey99", session));
+    QCOMPARE(verdict.json().object().value(QStringLiteral("authenticated")).toBool(), true);
+
+    const QJsonObject application =
+        m_client->get(withSessions(backend.api(QStringLiteral("application")), {session})).json().object();
+    QCOMPARE(application.value(QStringLiteral("version")).toString(), QStringLiteral("2.0.0"));
+    const QUrl installer(application.value(QStringLiteral("url")).toString());
+    QCOMPARE(installer.fileName(), QStringLiteral("setup.exe"));
+    QCOMPARE(m_client->get(installer).body, installerBytes);
+
+    const QJsonObject ad = m_client->get(withSessions(backend.api(QStringLiteral("ad")), {session})).json().object();
+    QCOMPARE(ad.value(QStringLiteral("link")).toString(), QStringLiteral("https://example.org/offer"));
+    const HttpResult picture = m_client->get(QUrl(ad.value(QStringLiteral("file")).toString()));
+    QCOMPARE(picture.contentType, QByteArrayLiteral("image/gif"));
+    QCOMPARE(picture.body, pictureBytes);
+
+    QCOMPARE(m_client->get(backend.api(QStringLiteral("captcha.php"))).status, 200);
+    QCOMPARE(m_client->get(backend.admin(QStringLiteral("captcha"))).json().object().value(QStringLiteral("text")).toString(),
+             QStringLiteral("ABCDE"));
+}
+
 void TestBackendSimFaults::badCommandLineRefused_data()
 {
     QTest::addColumn<QStringList>("arguments");
+    QTest::addColumn<int>("exitCode");
     QTest::addColumn<QString>("reason");
 
-    QTest::newRow("unknown fault kind") << QStringList{"--fault", "kind=explode"} << "bad value 'explode'";
-    QTest::newRow("fault without kind") << QStringList{"--fault", "call=ad"} << "a fault needs a kind";
-    QTest::newRow("port out of range") << QStringList{"--port", "70000"} << "bad port";
-    QTest::newRow("no certificate") << QStringList{"--certificate", "/nonexistent/server.pem"}
+    QTest::newRow("unknown fault kind") << QStringList{"--fault", "kind=explode"} << 2 << "bad value 'explode'";
+    QTest::newRow("fault without kind") << QStringList{"--fault", "call=ad"} << 2 << "a fault needs a kind";
+    QTest::newRow("port out of range") << QStringList{"--port", "70000"} << 2 << "bad port";
+    QTest::newRow("no certificate") << QStringList{"--certificate", "/nonexistent/server.pem"} << 2
                                     << "no certificate or key file";
-    QTest::newRow("stray argument") << QStringList{"serve"} << "unexpected argument";
+    QTest::newRow("stray argument") << QStringList{"serve"} << 2 << "unexpected argument";
+    QTest::newRow("catalogue missing") << QStringList{"--catalogue", "/nonexistent/catalogue.json"} << 1
+                                       << "cannot read /nonexistent/catalogue.json";
+    QTest::newRow("catalogue with an empty field")
+        << QStringList{"--catalogue", QFINDTESTDATA("empty-firmware-catalogue.json")} << 1
+        << "needs non-empty model, firmware, smartType and newestFirmware";
 }
 
 void TestBackendSimFaults::badCommandLineRefused()
 {
     QFETCH(QStringList, arguments);
+    QFETCH(int, exitCode);
     QFETCH(QString, reason);
 
-    BackendProcess backend(m_certificates.path(), arguments);
-    QCOMPARE(backend.runToEnd(), 2);
+    // The build's own certificates may not exist in a test's tree: name the test's set.
+    BackendProcess backend(m_certificates.path(),
+                           QStringList{"--certificate", m_certificates.filePath("server.pem"), "--key",
+                                       m_certificates.filePath("server.key")}
+                               + arguments);
+    QCOMPARE(backend.runToEnd(), exitCode);
     QVERIFY2(backend.log().contains(reason), qPrintable(backend.log()));
 }
 

@@ -57,7 +57,7 @@ bool BackendOptions::parse(const QStringList& arguments, QString* error, bool* h
         QStringLiteral("fault"),
         QStringLiteral("Switch a fault on, e.g. kind=delay,call=firmware,ms=1500,times=2. Kinds: delay, hang, "
                        "error (status=500), redirect (location=...), drop. Repeatable."),
-        QStringLiteral("spec"));
+        QStringLiteral("rule"));
     const QCommandLineOption quietOption(QStringLiteral("quiet"), QStringLiteral("Log refusals only."));
     parser.addOptions({hostOption, portOption, certificateOption, keyOption, sharedKeyOption, lifetimeOption,
                        catalogueOption, versionOption, installerOption, adPictureOption, adLinkOption, noAdOption,
@@ -111,11 +111,11 @@ bool BackendOptions::parse(const QStringList& arguments, QString* error, bool* h
             return false;
         }
     }
-    for (const QString& spec : parser.values(faultOption)) {
+    for (const QString& text : parser.values(faultOption)) {
         QString reason;
-        const auto rule = FaultRule::fromText(spec, &reason);
+        const auto rule = FaultRule::fromText(text, &reason);
         if (!rule) {
-            *error = QStringLiteral("--fault %1: %2").arg(spec, reason);
+            *error = QStringLiteral("--fault %1: %2").arg(text, reason);
             return false;
         }
         faults.append(*rule);
