@@ -163,6 +163,7 @@ private slots:
     void otherScenariosLoad();
     void healthRulesAreVisible_data();
     void healthRulesAreVisible();
+    void logicalPartitionsOnAnMbrDisk_data();
     void logicalPartitionsOnAnMbrDisk();
     void scenarioFromAFile();
 };
@@ -765,6 +766,12 @@ void ServiceSimRequestsTest::migrationRefusals_data()
     create.set_driveid(2);
     QTest::newRow("partition over another") << int(Message::PartitionCreate) << bytes(create)
                                             << int(Message::PartitionCreate) << int(Wire::INVALID_REQUEST);
+    create.set_driveid(3);
+    create.mutable_partition()->set_offset(0);
+    create.mutable_partition()->set_size(512 * 1024);
+    create.mutable_partition()->set_type(Wire::PartitionInfo::MBR);
+    QTest::newRow("partition over the partition table") << int(Message::PartitionCreate) << bytes(create)
+                                                        << int(Message::PartitionCreate) << int(Wire::INVALID_REQUEST);
     Wire::PartitionFormat format;
     format.set_driveid(EmptyDrive);
     format.mutable_partition()->set_id(7);
@@ -1025,8 +1032,17 @@ void ServiceSimRequestsTest::healthRulesAreVisible()
     QVERIFY2(life >= minLife && life <= maxLife, qPrintable(QString::number(life)));
 }
 
+void ServiceSimRequestsTest::logicalPartitionsOnAnMbrDisk_data()
+{
+    QTest::addColumn<QList<quint32>>("order"); // of creation, by source partition id
+    QTest::newRow("extended first") << QList<quint32>{1, 3, 4};
+    QTest::newRow("logical first") << QList<quint32>{1, 4, 3};
+}
+
 void ServiceSimRequestsTest::logicalPartitionsOnAnMbrDisk()
 {
+    QFETCH(QList<quint32>, order);
+
     Session session = startSession({"--scenario", "mbr-legacy"});
     QVERIFY(session.link);
     ServiceLink& link = *session.link;
@@ -1054,7 +1070,7 @@ void ServiceSimRequestsTest::logicalPartitionsOnAnMbrDisk()
     QVERIFY(link.take(Message::CleanDisk, &clean));
     QCOMPARE(int(clean.code()), 0);
     QMap<quint32, quint32> created;
-    for (quint32 id : {1u, 3u, 4u}) {
+    for (quint32 id : order) {
         const Wire::PartitionInfo* original = findPartition(source, id);
         Wire::PartitionCreate create;
         create.set_driveid(EmptyDrive);

@@ -17,6 +17,8 @@ namespace Wire = Velmora::Message;
 namespace {
 
 constexpr quint64 MiB = 1024 * 1024;
+// The protective MBR, the GPT header and its entries: 34 sectors of 512 bytes.
+constexpr quint64 PartitionTableBytes = 34 * 512;
 const char* const BasicDataGuid = "ebd0a0a2-b9e5-4433-87c0-68b6b72699c7";
 const QList<quint32> ExtendedMbrTypes{0x05, 0x0F, 0x85};
 const QList<quint32> LetteredMbrTypes{0x06, 0x07, 0x0B, 0x0C, 0x0E};
@@ -119,6 +121,8 @@ QString MigrationRequests::placementProblem(const Machine::DriveInfo& drive, con
     const bool gptDisk = drive.partitionformatstyle() == Machine::DriveInfo::GPT;
     if ((gptDisk && wanted.type() == Machine::PartitionInfo::MBR) || (!gptDisk && wanted.type() == Machine::PartitionInfo::GPT))
         return QStringLiteral("the partition type does not fit the partition style of the disk");
+    if (wanted.offset() < PartitionTableBytes)
+        return QStringLiteral("the partition starts inside the partition table");
     if (wanted.offset() + wanted.size() > drive.size())
         return QStringLiteral("the partition ends beyond the end of the disk");
     for (const Machine::PartitionInfo& existing : drive.partitions()) {
@@ -163,6 +167,14 @@ bool MigrationRequests::createPartition(const QByteArray& payload, ClientConnect
         if (created->type() == Machine::PartitionInfo::GPT)
             created->set_gptid(QUuid::createUuid().toString(QUuid::WithoutBraces).toStdString());
         created->set_islogical(insideExtended);
+        // Logical drives made before their extended partition become logical with it.
+        if (isExtended(*created)) {
+            for (Machine::PartitionInfo& other : *drive->mutable_partitions()) {
+                if (&other != created && other.offset() >= created->offset()
+                    && other.offset() + other.size() <= created->offset() + created->size())
+                    other.set_islogical(true);
+            }
+        }
         answer.set_newpartitionid(newId);
         answer.set_code(Wire::SUCCESS);
         Logger::info(QString(), QStringLiteral("Partition %1 created on drive %2 (%3 bytes at %4)")
