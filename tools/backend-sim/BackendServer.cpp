@@ -120,7 +120,7 @@ void BackendServer::route(const char* method, const QString& call, const QString
             const auto granted = m_sessions.check(sessions.isEmpty() ? QString() : sessions.last());
             if (granted != SessionRegistry::Access::Granted) {
                 exchange.refuse(401, SessionRegistry::describe(granted));
-                note(exchange, sessions, QString(), 401);
+                note(exchange, sessions, fault ? FaultRule::kindName(fault->kind) : QString(), 401);
                 return;
             }
         }
