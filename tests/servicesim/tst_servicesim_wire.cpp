@@ -296,8 +296,9 @@ void ServiceSimWireTest::exitsOnRequest()
     QVERIFY(service.start());
     RawClient client;
     QVERIFY(client.connectTo(service.name()));
-    client.writeFrame(Message::Version);
-    client.writeFrame(Message::SystemInfoRequest);
+    // One write, so that the service reads all three frames at once.
+    client.write(FrameReader::encode(Message::Version, {}) + FrameReader::encode(Message::SystemInfoRequest, {})
+        + FrameReader::encode(Message::Version, {}));
 
     QVERIFY(service.process().waitForFinished(3000));
     QCOMPARE(service.process().exitCode(), 3);

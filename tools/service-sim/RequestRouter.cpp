@@ -35,12 +35,16 @@ void RequestRouter::addGroup(RequestGroup* group)
 
 void RequestRouter::route(ClientConnection* client, quint32 type, QByteArray payload)
 {
+    // Requests behind the last one, in the same read, die with the service.
+    if (m_exiting)
+        return;
     const QString name = Message::typeName(type);
     Logger::info(QString(), QStringLiteral("Client %1 -> %2 [%3] (%4 bytes)")
                                 .arg(client->id()).arg(name).arg(type).arg(payload.size()));
     ++m_requests;
     if (m_faults.exitAfterRequests > 0 && m_requests >= m_faults.exitAfterRequests) {
         Logger::warning(QString(), QStringLiteral("Ending the service on request %1, as asked").arg(m_requests));
+        m_exiting = true;
         QCoreApplication::exit(ExitOnRequestCode);
         return;
     }

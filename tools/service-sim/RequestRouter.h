@@ -37,6 +37,7 @@ private:
     QHash<quint32, RequestGroup*> m_groups;
     QHash<quint32, int> m_occurrences;
     int m_requests = 0;
+    bool m_exiting = false;
 };
 
 } // namespace Velmora::ServiceSim
