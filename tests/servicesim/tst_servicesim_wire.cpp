@@ -313,6 +313,7 @@ void ServiceSimWireTest::badCommandLineIsRejected_data()
     QTest::addColumn<QString>("reason");
 
     QTest::newRow("unknown type") << QStringList{"--never", "NoSuchRequest"} << QStringLiteral("Unknown message type");
+    QTest::newRow("failure of an unknown type") << QStringList{"--fail", "Teleport#2=3"} << QStringLiteral("Unknown message type \"Teleport\"");
     QTest::newRow("delay without time") << QStringList{"--delay", "SmartRequest"} << QStringLiteral("TYPE=NUMBER");
     QTest::newRow("bad version") << QStringList{"--service-version", "2.1"} << QStringLiteral("MAJOR.MINOR.PATCH");
     QTest::newRow("split of nothing") << QStringList{"--split", "0"} << QStringLiteral("piece size");

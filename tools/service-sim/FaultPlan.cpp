@@ -31,13 +31,17 @@ bool readTypeAndNumber(const QString& text, quint32* type, int* number, QString*
 {
     const int equals = text.lastIndexOf(QLatin1Char('='));
     bool ok = false;
-    if (equals > 0) {
+    if (equals > 0)
         *number = text.mid(equals + 1).toInt(&ok);
-        ok = ok && FaultPlan::parseType(text.left(equals), type);
-    }
-    if (!ok)
+    if (!ok) {
         *error = QStringLiteral("Expected TYPE=NUMBER, got \"%1\"").arg(text);
-    return ok;
+        return false;
+    }
+    if (!FaultPlan::parseType(text.left(equals), type)) {
+        *error = QStringLiteral("Unknown message type \"%1\"").arg(text.left(equals));
+        return false;
+    }
+    return true;
 }
 
 } // namespace

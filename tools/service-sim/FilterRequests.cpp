@@ -98,17 +98,35 @@ bool FilterRequests::calculateFilteredSize(const QByteArray& payload, ClientConn
         stopCalculations();
         return true;
     }
-    const Machine::PartitionInfo* partition = request.partitionid() < 0 ? nullptr
-        : m_machine.partition(request.driveid(), quint32(request.partitionid()));
+    const int partitionId = request.partitionid();
+    const Machine::PartitionInfo* partition = partitionId < 0 ? nullptr
+        : m_machine.partition(request.driveid(), quint32(partitionId));
     if (!partition) {
         Wire::FileTypeStructure answer;
         answer.set_code(Wire::NOT_FOUND);
         answer.set_driveid(request.driveid());
-        answer.set_partitionid(request.partitionid());
+        answer.set_partitionid(partitionId);
         client->send(Message::MigrationFilterTypeResponse, answer);
         return true;
     }
 
+    const QList<QPair<int, quint64>> files = sortFiles(request, *partition);
+    const quint32 driveId = request.driveid();
+    if (m_calculations.value(partitionId))
+        m_calculations.value(partitionId)->stop();
+    QPointer<ClientConnection> target(client);
+    auto* task = new SteppedTask(CalculationSteps, m_timings.scanStepMs, [target, files, driveId, partitionId](int step, int steps) {
+        if (target && target->isOpen())
+            target->send(Message::MigrationFilterTypeResponse, sizesAfter(files, step, steps, driveId, partitionId));
+    }, this);
+    m_calculations.insert(partitionId, task);
+    task->start();
+    return true;
+}
+
+QList<QPair<int, quint64>> FilterRequests::sortFiles(const Wire::FileTypeStructureRequest& request,
+    const Machine::PartitionInfo& partition) const
+{
     QStringList systemPaths;
     QStringList leftOutPaths;
     QStringList extensions;
@@ -122,47 +140,39 @@ bool FilterRequests::calculateFilteredSize(const QByteArray& payload, ClientConn
             extensions << FilterRules::splitList(QString::fromStdString(type.extensions()));
     }
     const FilterRules rules(systemPaths, leftOutPaths, extensions);
-    const QString letter = normalizedLetter(QString::fromStdString(partition->letter()));
+    const QString letter = normalizedLetter(QString::fromStdString(partition.letter()));
 
     QList<QPair<int, quint64>> files;
-    const PartitionContent* content = m_machine.findContent(request.driveid(), partition->id());
+    const PartitionContent* content = m_machine.findContent(request.driveid(), partition.id());
     if (content && !content->files.isEmpty()) {
         content->files.forEachFile([&](const QString& path, quint64 size) {
             files.append({rules.classify(letter + QLatin1Char('\\') + path), size});
         });
-    } else if (partition->used() > 0) {
-        files.append({FilterRules::Kept, partition->used()});
+    } else if (partition.used() > 0) {
+        files.append({FilterRules::Kept, partition.used()});
     }
+    return files;
+}
 
-    const quint32 driveId = request.driveid();
-    const int partitionId = request.partitionid();
-    if (m_calculations.value(partitionId))
-        m_calculations.value(partitionId)->stop();
-    QPointer<ClientConnection> target(client);
-    auto* task = new SteppedTask(CalculationSteps, m_timings.scanStepMs,
-        [target, files, driveId, partitionId](int step, int steps) {
-            if (!target || !target->isOpen())
-                return;
-            quint64 sums[3] = {0, 0, 0};
-            const int walked = files.size() * step / steps;
-            for (int i = 0; i < walked; ++i)
-                sums[files.at(i).first] += files.at(i).second;
-            Wire::FileTypeStructure answer;
-            answer.set_code(step == steps ? Wire::SUCCESS : Wire::IN_PROGRESS);
-            answer.set_driveid(driveId);
-            answer.set_partitionid(partitionId);
-            answer.set_progress(float(step) / float(steps));
-            answer.set_finished(step == steps);
-            for (quint32 id : {SystemSum, LeftOutSum, ExtensionsRule}) {
-                auto* sum = answer.add_filetypes();
-                sum->set_id(id);
-                sum->set_size(sums[id]);
-            }
-            target->send(Message::MigrationFilterTypeResponse, answer);
-        }, this);
-    m_calculations.insert(partitionId, task);
-    task->start();
-    return true;
+Wire::FileTypeStructure FilterRequests::sizesAfter(const QList<QPair<int, quint64>>& files, int step, int steps,
+    quint32 driveId, int partitionId)
+{
+    quint64 sums[3] = {0, 0, 0};
+    const int walked = files.size() * step / steps;
+    for (int i = 0; i < walked; ++i)
+        sums[files.at(i).first] += files.at(i).second;
+    Wire::FileTypeStructure answer;
+    answer.set_code(step == steps ? Wire::SUCCESS : Wire::IN_PROGRESS);
+    answer.set_driveid(driveId);
+    answer.set_partitionid(partitionId);
+    answer.set_progress(float(step) / float(steps));
+    answer.set_finished(step == steps);
+    for (quint32 id : {SystemSum, LeftOutSum, ExtensionsRule}) {
+        auto* sum = answer.add_filetypes();
+        sum->set_id(id);
+        sum->set_size(sums[id]);
+    }
+    return answer;
 }
 
 void FilterRequests::stopCalculations()

@@ -6,6 +6,7 @@
 #include <QPointer>
 
 namespace Velmora::Message {
+class FileTypeStructure;
 class FileTypeStructureRequest;
 }
 
@@ -31,6 +32,12 @@ private:
     bool answerSystemPaths(const QByteArray& payload, ClientConnection* client);
     bool calculateFilteredSize(const QByteArray& payload, ClientConnection* client);
     void stopCalculations();
+    // Each file of the volume with the sum it falls in: system, left out or kept.
+    QList<QPair<int, quint64>> sortFiles(const Velmora::Message::FileTypeStructureRequest& request,
+        const Machine::PartitionInfo& partition) const;
+    // The three sums once `step` of `steps` parts of the files are walked.
+    static Velmora::Message::FileTypeStructure sizesAfter(const QList<QPair<int, quint64>>& files, int step, int steps,
+        quint32 driveId, int partitionId);
 
     // One calculation per source partition; a stop ends them all.
     QHash<int, QPointer<SteppedTask>> m_calculations;

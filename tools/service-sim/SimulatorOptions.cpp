@@ -20,24 +20,23 @@ bool readCount(const QCommandLineParser& parser, const QString& name, int minimu
     return true;
 }
 
-} // namespace
-
-bool SimulatorOptions::parse(const QStringList& arguments, QString* error)
+void declareOptions(QCommandLineParser& parser, const SimulatorOptions& defaults)
 {
-    QCommandLineParser parser;
     parser.setApplicationDescription(QStringLiteral(
         "Simulated Kestravin service: answers the pipe protocol like a machine with drives."));
     parser.addHelpOption();
     parser.addOptions({
-        {QStringLiteral("name"), QStringLiteral("Pipe name to listen on."), QStringLiteral("name"), serverName},
+        {QStringLiteral("name"), QStringLiteral("Pipe name to listen on."), QStringLiteral("name"), defaults.serverName},
         {QStringLiteral("scenario"), QStringLiteral("Scenario file, or the name of a built-in one."),
-            QStringLiteral("file|name"), scenario},
+            QStringLiteral("file|name"), defaults.scenario},
         {QStringLiteral("list-scenarios"), QStringLiteral("Print the built-in scenarios and exit.")},
         {QStringLiteral("quiet"), QStringLiteral("Log to the log file only, not to the console.")},
-        {QStringLiteral("seed"), QStringLiteral("Seed of the speed jitter and random frame splits."), QStringLiteral("n")},
+        {QStringLiteral("seed"), QStringLiteral("Seed of the speed jitter, garbage bytes and random frame pieces."),
+            QStringLiteral("n")},
         {QStringLiteral("task-ms"), QStringLiteral("Time to clean, create, format, make bootable."), QStringLiteral("ms")},
         {QStringLiteral("benchmark-ms"), QStringLiteral("Time of one benchmark round."), QStringLiteral("ms")},
-        {QStringLiteral("scan-step-ms"), QStringLiteral("Time between progress reports of scans and filter sizes."), QStringLiteral("ms")},
+        {QStringLiteral("scan-step-ms"), QStringLiteral("Time between progress reports of scans and filter sizes."),
+            QStringLiteral("ms")},
         {QStringLiteral("scan-steps"), QStringLiteral("Progress reports of a file-category scan."), QStringLiteral("n")},
         {QStringLiteral("copy-step-ms"), QStringLiteral("Time between progress reports of a copy."), QStringLiteral("ms")},
         {QStringLiteral("copy-steps"), QStringLiteral("Progress reports of the copy of one partition."), QStringLiteral("n")},
@@ -54,13 +53,54 @@ bool SimulatorOptions::parse(const QStringList& arguments, QString* error)
             QStringLiteral("x.y.z")},
         {QStringLiteral("exit-after"), QStringLiteral("End the process on this request, unanswered."), QStringLiteral("n")},
     });
+}
+
+bool readTimings(const QCommandLineParser& parser, Timings* timings, QString* error)
+{
+    return readCount(parser, QStringLiteral("task-ms"), 0, &timings->taskMs, error)
+        && readCount(parser, QStringLiteral("benchmark-ms"), 0, &timings->benchmarkMs, error)
+        && readCount(parser, QStringLiteral("scan-step-ms"), 0, &timings->scanStepMs, error)
+        && readCount(parser, QStringLiteral("scan-steps"), 1, &timings->scanSteps, error)
+        && readCount(parser, QStringLiteral("copy-step-ms"), 0, &timings->copyStepMs, error)
+        && readCount(parser, QStringLiteral("copy-steps"), 1, &timings->copySteps, error)
+        && readCount(parser, QStringLiteral("split-piece-ms"), 0, &timings->splitPieceMs, error);
+}
+
+bool readFaults(const QCommandLineParser& parser, FaultPlan* faults, QString* error)
+{
+    if (!readCount(parser, QStringLiteral("garbage"), 0, &faults->garbageBytes, error)
+        || !readCount(parser, QStringLiteral("drop-after"), 1, &faults->dropAfterFrames, error)
+        || !readCount(parser, QStringLiteral("exit-after"), 1, &faults->exitAfterRequests, error))
+        return false;
+    const QList<QPair<QString, bool (FaultPlan::*)(const QString&, QString*)>> repeatable{
+        {QStringLiteral("delay"), &FaultPlan::addDelay},
+        {QStringLiteral("never"), &FaultPlan::addSilence},
+        {QStringLiteral("fail"), &FaultPlan::addFailure},
+    };
+    for (const auto& option : repeatable) {
+        for (const QString& text : parser.values(option.first)) {
+            if (!(faults->*option.second)(text, error))
+                return false;
+        }
+    }
+    if (parser.isSet(QStringLiteral("split")) && !faults->setSplit(parser.value(QStringLiteral("split")), error))
+        return false;
+    return !parser.isSet(QStringLiteral("service-version"))
+        || faults->setVersion(parser.value(QStringLiteral("service-version")), error);
+}
+
+} // namespace
+
+bool SimulatorOptions::parse(const QStringList& arguments, QString* error)
+{
+    QCommandLineParser parser;
+    declareOptions(parser, *this);
     if (!parser.parse(arguments)) {
         *error = parser.errorText();
         return false;
     }
-    if (parser.isSet(QStringLiteral("help"))) {
+    if (parser.isSet(QStringLiteral("help")))
         parser.showHelp(0);
-    }
     if (!parser.positionalArguments().isEmpty()) {
         *error = QStringLiteral("Unexpected argument \"%1\"").arg(parser.positionalArguments().first());
         return false;
@@ -71,40 +111,11 @@ bool SimulatorOptions::parse(const QStringList& arguments, QString* error)
     listScenarios = parser.isSet(QStringLiteral("list-scenarios"));
     quiet = parser.isSet(QStringLiteral("quiet"));
     int seedValue = 1;
-    const bool countsRead = readCount(parser, QStringLiteral("seed"), 0, &seedValue, error)
-        && readCount(parser, QStringLiteral("task-ms"), 0, &timings.taskMs, error)
-        && readCount(parser, QStringLiteral("benchmark-ms"), 0, &timings.benchmarkMs, error)
-        && readCount(parser, QStringLiteral("scan-step-ms"), 0, &timings.scanStepMs, error)
-        && readCount(parser, QStringLiteral("scan-steps"), 1, &timings.scanSteps, error)
-        && readCount(parser, QStringLiteral("copy-step-ms"), 0, &timings.copyStepMs, error)
-        && readCount(parser, QStringLiteral("copy-steps"), 1, &timings.copySteps, error)
-        && readCount(parser, QStringLiteral("split-piece-ms"), 0, &timings.splitPieceMs, error)
-        && readCount(parser, QStringLiteral("garbage"), 0, &faults.garbageBytes, error)
-        && readCount(parser, QStringLiteral("drop-after"), 1, &faults.dropAfterFrames, error)
-        && readCount(parser, QStringLiteral("exit-after"), 1, &faults.exitAfterRequests, error);
-    if (!countsRead)
+    if (!readCount(parser, QStringLiteral("seed"), 0, &seedValue, error))
         return false;
     seed = static_cast<quint32>(seedValue);
     faults.seed = seed;
-
-    for (const QString& text : parser.values(QStringLiteral("delay"))) {
-        if (!faults.addDelay(text, error))
-            return false;
-    }
-    for (const QString& text : parser.values(QStringLiteral("never"))) {
-        if (!faults.addSilence(text, error))
-            return false;
-    }
-    for (const QString& text : parser.values(QStringLiteral("fail"))) {
-        if (!faults.addFailure(text, error))
-            return false;
-    }
-    if (parser.isSet(QStringLiteral("split")) && !faults.setSplit(parser.value(QStringLiteral("split")), error))
-        return false;
-    if (parser.isSet(QStringLiteral("service-version"))
-        && !faults.setVersion(parser.value(QStringLiteral("service-version")), error))
-        return false;
-    return true;
+    return readTimings(parser, &timings, error) && readFaults(parser, &faults, error);
 }
 
 } // namespace Velmora::ServiceSim
