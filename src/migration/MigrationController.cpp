@@ -3,17 +3,14 @@
 #include "application/Logger.h"
 #include "migration/ExtensionsFilter.h"
 #include "migration/FileSystemFilter.h"
+#include "migration/MessageCoding.h"
 #include "migration/Migration.h"
 #include "migration/MigrationDestDrive.h"
 #include "migration/MigrationDestPartition.h"
 #include "system/Drive.h"
 #include "system/SystemManager.h"
 
-#include "FileList.pb.h"
-#include "FileTypeStructure.pb.h"
 #include "Migration.pb.h"
-
-#include <map>
 
 namespace Velmora::Migration {
 
@@ -28,46 +25,6 @@ namespace {
 constexpr int CodeSuccess = 0;
 constexpr int CodeProgress = 1;
 constexpr int CodeCanceled = 2;
-constexpr int CodeInProgress = 7;
-
-QString fromUtf8(const std::string& text)
-{
-    return QString::fromUtf8(text.data(), static_cast<int>(text.size()));
-}
-
-std::string toUtf8(const QString& text)
-{
-    return text.toStdString();
-}
-
-QStringList toStringList(const google::protobuf::RepeatedPtrField<std::string>& list)
-{
-    QStringList result;
-    result.reserve(list.size());
-    for (const std::string& item : list)
-        result.append(fromUtf8(item));
-    return result;
-}
-
-void appendAll(google::protobuf::RepeatedPtrField<std::string>* field, const QStringList& items)
-{
-    for (const QString& item : items)
-        field->Add(toUtf8(item));
-}
-
-// The service's maps come in no particular order; names are sorted so that a listing always reads
-// the same. A name loses any separator it carries.
-void splitEntries(const google::protobuf::Map<std::string, google::protobuf::uint64>& entries, QStringList& names,
-    QList<Bytes>& sizes)
-{
-    const std::map<std::string, google::protobuf::uint64> sorted(entries.begin(), entries.end());
-    names.reserve(static_cast<int>(sorted.size()));
-    sizes.reserve(static_cast<int>(sorted.size()));
-    for (const auto& entry : sorted) {
-        names.append(fromUtf8(entry.first).remove(QLatin1Char('\\')));
-        sizes.append(Bytes(static_cast<qint64>(entry.second)));
-    }
-}
 
 } // namespace
 
@@ -124,24 +81,6 @@ MigrationDestDrive* MigrationController::destination() const
 int MigrationController::sourceDriveId() const
 {
     return m_migration && m_migration->sourceDrive() ? m_migration->sourceDrive()->id() : -1;
-}
-
-template <typename T>
-bool MigrationController::parse(T& message, const QByteArray& payload, const char* failure) const
-{
-    if (message.ParseFromArray(payload.constData(), payload.size()))
-        return true;
-    Logger::error(QString(), QString::fromLatin1(failure));
-    return false;
-}
-
-template <typename T>
-void MigrationController::send(Message::MessageType type, const T& message)
-{
-    QByteArray bytes;
-    bytes.resize(static_cast<int>(message.ByteSizeLong()));
-    message.SerializeToArray(bytes.data(), bytes.size());
-    emit sendMessage(type, bytes);
 }
 
 void MigrationController::handleMessage(Message::MessageType type, QByteArray payload)
@@ -283,7 +222,7 @@ void MigrationController::sendCleanDisk()
                                 .arg(drive->id())
                                 .arg(drive->isGpt() ? QStringLiteral("GPT") : QStringLiteral("MBR"))
                                 .arg(static_cast<int>(message.partitionstyle())));
-    send(Message::CleanDisk, message);
+    emit sendMessage(Message::CleanDisk, serialized(message));
 }
 
 void MigrationController::sendCreatePartition()
@@ -307,7 +246,7 @@ void MigrationController::sendCreatePartition()
     info->set_gpttype(toUtf8(partition->gptType()));
     info->set_mbrtype(partition->mbrType());
     Logger::info(QString(), QStringLiteral("Send create partition message. Patition:\n%1").arg(partition->toString()));
-    send(Message::PartitionCreate, message);
+    emit sendMessage(Message::PartitionCreate, serialized(message));
 }
 
 void MigrationController::sendFormatPartition()
@@ -330,7 +269,7 @@ void MigrationController::sendFormatPartition()
     info->set_label(toUtf8(partition->label()));
     info->set_filesystem(toUtf8(partition->fileSystem()));
     Logger::info(QString(), QStringLiteral("Sending format partition message: Patition:\n%1").arg(partition->toString()));
-    send(Message::PartitionFormat, message);
+    emit sendMessage(Message::PartitionFormat, serialized(message));
 }
 
 void MigrationController::sendCopyFiles()
@@ -367,7 +306,7 @@ void MigrationController::sendCopyFiles()
             .arg(createdId)
             .arg(systemPaths.join(QLatin1Char(',')), filteredPaths.join(QLatin1Char(',')),
                 extensions.join(QLatin1Char(','))));
-    send(Message::FileCopyRequest, message);
+    emit sendMessage(Message::FileCopyRequest, serialized(message));
 }
 
 void MigrationController::sendBootability()
@@ -381,7 +320,7 @@ void MigrationController::sendBootability()
                                 .arg(message.driveid())
                                 .arg(message.bootpartitionid())
                                 .arg(message.ospartitionid()));
-    send(Message::MigrationBootability, message);
+    emit sendMessage(Message::MigrationBootability, serialized(message));
 }
 
 void MigrationController::logQueue(const QString& heading, const QList<int>& ids) const
@@ -394,7 +333,7 @@ void MigrationController::logQueue(const QString& heading, const QList<int>& ids
 void MigrationController::onDiskCleaned(const QByteArray& payload)
 {
     pb::CleanDisk message;
-    if (!parse(message, payload, "Parsing clean disk message failed."))
+    if (!parsed(message, payload, "Parsing clean disk message failed."))
         return;
     Logger::debug(QString(), QStringLiteral("Clean disk message received (code %1)").arg(message.code()));
     if (message.code() != CodeSuccess) {
@@ -410,7 +349,7 @@ void MigrationController::onDiskCleaned(const QByteArray& payload)
 void MigrationController::onPartitionCreated(const QByteArray& payload)
 {
     pb::PartitionCreate message;
-    if (!parse(message, payload, "Parsing file copy report message failed."))
+    if (!parsed(message, payload, "Parsing file copy report message failed."))
         return;
     const int code = message.code();
     Logger::debug(QString(), QStringLiteral("Partition create message received (code %1)").arg(code));
@@ -457,7 +396,7 @@ void MigrationController::onPartitionCreated(const QByteArray& payload)
 void MigrationController::onPartitionFormatted(const QByteArray& payload)
 {
     pb::PartitionFormat message;
-    if (!parse(message, payload, "Parsing file copy report message failed."))
+    if (!parsed(message, payload, "Parsing file copy report message failed."))
         return;
     const int code = message.code();
     Logger::debug(QString(), QStringLiteral("Partition format message received (code %1)").arg(code));
@@ -501,7 +440,7 @@ void MigrationController::onPartitionFormatted(const QByteArray& payload)
 void MigrationController::onFileCopyReport(const QByteArray& payload)
 {
     pb::FileCopyReport message;
-    if (!parse(message, payload, "Parsing file copy report message failed."))
+    if (!parsed(message, payload, "Parsing file copy report message failed."))
         return;
     const int code = message.code();
     Logger::debug(QString(), QStringLiteral("File copy message received (code %1)").arg(code));
@@ -547,7 +486,7 @@ void MigrationController::onFileCopyReport(const QByteArray& payload)
 void MigrationController::onBootabilityFixed(const QByteArray& payload)
 {
     pb::MigrationBootability message;
-    if (!parse(message, payload, "Parsing migration bootability message failed."))
+    if (!parsed(message, payload, "Parsing migration bootability message failed."))
         return;
     const int code = message.code();
     Logger::debug(QString(), QStringLiteral("Bootability message received (code %1)").arg(code));
@@ -564,164 +503,6 @@ void MigrationController::onWatchdogTimeout()
     Logger::error(QString(),
         QStringLiteral("Migration task is failed due to watchdog timeout (%1 ms)").arg(m_watchdog.interval()));
     fail(tr("SERVICE IS NOT RESPONSIVE."));
-}
-
-void MigrationController::onRequestFilterSystemPath(int driveId, int partitionId)
-{
-    m_systemPathsQueue.append(qMakePair(driveId, partitionId));
-    if (!m_systemPathsRequestPending)
-        sendFilterSystemPathRequest();
-}
-
-void MigrationController::sendFilterSystemPathRequest()
-{
-    // The service answers one of these at a time.
-    if (m_systemPathsRequestPending) {
-        QTimer::singleShot(m_systemPathsRetryInterval, this, &MigrationController::sendFilterSystemPathRequest);
-        return;
-    }
-    if (m_systemPathsQueue.isEmpty())
-        return;
-    m_systemPathsRequestPending = true;
-    const QPair<int, int> next = m_systemPathsQueue.takeFirst();
-    pb::MigrationFilterSystemPaths message;
-    message.set_driveid(static_cast<quint32>(next.first));
-    message.set_partitionid(static_cast<quint32>(next.second));
-    send(Message::MigrationFilterSystemPaths, message);
-}
-
-void MigrationController::onSystemPaths(const QByteArray& payload)
-{
-    pb::MigrationFilterSystemPaths message;
-    if (!parse(message, payload, "Parsing FileTypeStructure message failed."))
-        return;
-    const int code = message.code();
-    if (code == CodeCanceled)
-        return;
-    if (code != CodeSuccess) {
-        Logger::error(QString(), QStringLiteral("Error getting system paths %1").arg(code));
-        return;
-    }
-    MigrationDestDrive* drive = destination();
-    MigrationDestPartition* partition = drive ? drive->migrationPartition(static_cast<int>(message.partitionid())) : nullptr;
-    if (partition && static_cast<int>(message.driveid()) == sourceDriveId()) {
-        FileSystemFilter* tree = partition->fileSystemFilter();
-        tree->setSystemPaths(toStringList(message.systempaths()));
-        tree->setSystemIgnoredPaths(toStringList(message.systemignoredpaths()));
-        partition->markInitialized();
-    }
-    m_systemPathsRequestPending = false;
-    sendFilterSystemPathRequest();
-}
-
-void MigrationController::requestFileList(QString path)
-{
-    if (!path.endsWith(QLatin1Char('\\')))
-        path.append(QLatin1Char('\\'));
-    pb::FileListRequest message;
-    message.set_dirpath(toUtf8(path));
-    send(Message::FileListRequest, message);
-}
-
-void MigrationController::onFileList(const QByteArray& payload)
-{
-    pb::FileList message;
-    if (!parse(message, payload, "Parsing file list message failed."))
-        return;
-    const QString path = fromUtf8(message.path());
-    QStringList dirNames;
-    QList<Bytes> dirSizes;
-    splitEntries(message.directories(), dirNames, dirSizes);
-    QStringList fileNames;
-    QList<Bytes> fileSizes;
-    splitEntries(message.files(), fileNames, fileSizes);
-
-    MigrationDestDrive* drive = destination();
-    if (!drive)
-        return;
-    for (System::Partition* p : drive->partitions()) {
-        auto* partition = qobject_cast<MigrationDestPartition*>(p);
-        if (!partition)
-            continue;
-        QString letter = partition->letter();
-        while (letter.endsWith(QLatin1Char('\\')))
-            letter.chop(1);
-        if (letter.isEmpty() || !path.startsWith(letter, Qt::CaseInsensitive) || !partition->isInitialized())
-            continue;
-        FileSystemFilter* tree = partition->fileSystemFilter();
-        tree->addDirs(path, dirNames, dirSizes);
-        tree->addFiles(path, fileNames, fileSizes);
-        // What the tree inserts by itself is no change of the user's.
-        partition->setFiltersChanged(false);
-    }
-}
-
-void MigrationController::onRequestFilteredPartitionSize(int partitionId)
-{
-    MigrationDestDrive* drive = destination();
-    MigrationDestPartition* partition = drive ? drive->migrationPartition(partitionId) : nullptr;
-    if (!partition) {
-        Logger::error(QString(), QStringLiteral("Partition does not exist (%1/%2)").arg(sourceDriveId()).arg(partitionId));
-        return;
-    }
-    FileSystemFilter* tree = partition->fileSystemFilter();
-    pb::FileTypeStructureRequest message;
-    message.set_driveid(static_cast<quint32>(sourceDriveId()));
-    message.set_action(pb::FileTypeStructureRequest::Start);
-    message.set_partitionid(partitionId);
-    auto* kept = message.add_filetypes();
-    kept->set_id(0);
-    kept->set_paths(toUtf8(tree->systemPaths().join(QLatin1Char(','))));
-    auto* left = message.add_filetypes();
-    left->set_id(1);
-    left->set_paths(toUtf8((tree->uncheckedPaths() + tree->systemIgnoredPaths()).join(QLatin1Char(','))));
-    auto* extensions = message.add_filetypes();
-    extensions->set_id(2);
-    extensions->set_extensions(toUtf8(partition->extensionsFilter()->filteredExtensions().join(QLatin1Char(','))));
-    send(Message::MigrationFilterTypeRequest, message);
-}
-
-void MigrationController::stopRequestFilteredFilesSize()
-{
-    pb::FileTypeStructureRequest message;
-    message.set_action(pb::FileTypeStructureRequest::Stop);
-    send(Message::MigrationFilterTypeRequest, message);
-}
-
-void MigrationController::onFilteredSize(const QByteArray& payload)
-{
-    pb::FileTypeStructure message;
-    if (!parse(message, payload, "Parsing FileTypeStructure message failed."))
-        return;
-    const int code = message.code();
-    if (code != CodeSuccess && code != CodeInProgress) {
-        Logger::error(QString(), QStringLiteral("Calculating filtered files size error %1").arg(code));
-        return;
-    }
-    MigrationDestDrive* drive = destination();
-    MigrationDestPartition* partition = drive ? drive->migrationPartition(message.partitionid()) : nullptr;
-    if (!partition || static_cast<int>(message.driveid()) != sourceDriveId()) {
-        Logger::error(QString(), QStringLiteral("FileTypeStructure report send for wrong drive or partition %1/%2, current drive %3.")
-                                     .arg(message.driveid())
-                                     .arg(message.partitionid())
-                                     .arg(sourceDriveId()));
-        return;
-    }
-    const bool hasSizes = message.filetypes_size() > 0;
-    if (hasSizes) {
-        partition->setCalculationProgress(qRound(message.progress() * 100.0));
-        // The middle entry is what the filters leave out.
-        const auto& types = message.filetypes();
-        partition->setUsed(Bytes(static_cast<qint64>(types.Get(0).size() + types.Get(types.size() - 1).size())));
-    }
-    if (code == CodeSuccess) {
-        if (hasSizes) {
-            Logger::info(QString(), QStringLiteral("Partition %1 used size was updated after filters evaluation: %2")
-                                        .arg(partition->id())
-                                        .arg(partition->used().toString()));
-        }
-        partition->calculatingFilterFilesSizeFinished();
-    }
 }
 
 } // namespace Velmora::Migration

@@ -62,11 +62,6 @@ private slots:
     void sendFilterSystemPathRequest();
 
 private:
-    template <typename T>
-    bool parse(T& message, const QByteArray& payload, const char* failure) const;
-    template <typename T>
-    void send(Velmora::Message::Message::MessageType type, const T& message);
-
     System::MigrationDestDrive* destination() const;
     int sourceDriveId() const;
     void changeStep(MigrationStep step);
