@@ -269,6 +269,10 @@ void TestSupportedDrivesFile::processesTheServersList_data()
                                 << QByteArray();
     QTest::newRow("server error") << TwoModelsFile << answerOf(500, TwoModels)
                                   << "Server did not respond correctly to supported drives request: 500" << twoModels << TwoModelsFile;
+    Answer redirect = answerOf(302, TwoModels);
+    redirect.extraHeaders = {{"Location", "/elsewhere/supported-models"}};
+    QTest::newRow("redirect not followed") << TwoModelsFile << redirect
+                                           << "Server did not respond correctly to supported drives request: 302" << twoModels << TwoModelsFile;
     QTest::newRow("malformed JSON") << TwoModelsFile << answerOf(200, R"([{"model":)")
                                     << R"(Unable to parse server supported drives response: [{"model":)" << twoModels << TwoModelsFile;
     QTest::newRow("object instead of array") << TwoModelsFile << answerOf(200, R"({"model":"A"})")
@@ -298,6 +302,8 @@ void TestSupportedDrivesFile::processesTheServersList()
     QTRY_COMPARE(log.count(line), 1);
     QCOMPARE(textOf(SupportedDrivesManager::instance()->supportedDrives()), list);
     QCOMPARE(contentOf(cachePath()), file);
+    for (const HttpTestServer::Request& request : m_server->requests())
+        QVERIFY(!request.target.contains("elsewhere"));
 }
 
 void TestSupportedDrivesFile::keepsTheListWhenTheFileCannotBeWritten()
