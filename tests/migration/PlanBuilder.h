@@ -54,7 +54,7 @@ inline Partition* add(Drive* drive, int id, Kind kind, qint64 size, qint64 used,
         Bytes(used), Bytes(offset), type, mbrType, QString::fromLatin1(gptTypeOf(kind)), QString(), fileSystem,
         kind == Efi, kind == Logical);
     if (kind == Os)
-        partition->setOs(QStringLiteral("Windows 10 Pro"));
+        partition->setOs(QStringLiteral("Windows"));
     drive->addPartition(partition);
     return partition;
 }

@@ -45,6 +45,8 @@ private slots:
     void unparsablePayloads_data();
     void unparsablePayloads();
     void systemPathsOneAtATime();
+    void systemPathsForUnknownPartitions_data();
+    void systemPathsForUnknownPartitions();
     void systemPathsErrorBlocksTheQueue_data();
     void systemPathsErrorBlocksTheQueue();
     void fileListsReachTheTree();
@@ -538,6 +540,37 @@ void TestMigrationController::systemPathsOneAtATime()
     QCOMPARE(tree->systemPaths(), QStringList{QStringLiteral("C:\\Windows")});
     QCOMPARE(tree->systemIgnoredPaths(), QStringList{QStringLiteral("C:\\pagefile.sys")});
     QVERIFY(tree->nodeForPath(QStringLiteral("C:\\Windows"))->isLocked());
+}
+
+void TestMigrationController::systemPathsForUnknownPartitions_data()
+{
+    QTest::addColumn<quint32>("driveId");
+    QTest::addColumn<quint32>("partitionId");
+    QTest::newRow("unknown partition") << 1u << 42u;
+    QTest::newRow("another drive") << 7u << 1u;
+}
+
+void TestMigrationController::systemPathsForUnknownPartitions()
+{
+    QFETCH(quint32, driveId);
+    QFETCH(quint32, partitionId);
+
+    ControllerRig rig;
+    rig.choose();
+    pb::MigrationFilterSystemPaths answer;
+    answer.set_driveid(driveId);
+    answer.set_partitionid(partitionId);
+    answer.add_systempaths("C:\\Windows");
+    LogCapture log;
+    rig.deliver(Message::MigrationFilterSystemPaths, ControllerRig::bytes(answer));
+    // Nothing is taken from it, but the queue moves on to the next question.
+    for (int id = 1; id <= 5; ++id) {
+        QVERIFY(!rig.plan()->migrationPartition(id)->isInitialized());
+        QVERIFY(rig.plan()->migrationPartition(id)->fileSystemFilter()->systemPaths().isEmpty());
+    }
+    QCOMPARE(rig.types(), QList<int>{38});
+    QCOMPARE(rig.sent<pb::MigrationFilterSystemPaths>(0).partitionid(), 2u);
+    QVERIFY(log.messages(Velmora::Logger::Error).isEmpty());
 }
 
 void TestMigrationController::systemPathsErrorBlocksTheQueue_data()
