@@ -87,6 +87,7 @@ private slots:
     void processesTheServersList_data();
     void processesTheServersList();
     void keepsTheListWhenTheFileCannotBeWritten();
+    void takesALargeList();
     void refreshesEveryInterval();
 
 private:
@@ -318,6 +319,23 @@ void TestSupportedDrivesFile::keepsTheListWhenTheFileCannotBeWritten()
     QTRY_COMPARE(log.count(QStringLiteral("Error while writing supported drive list to file")), 1);
     QCOMPARE(textOf(SupportedDrivesManager::instance()->supportedDrives()), QStringList{"OLD|1|B"});
     QFile::remove(folder);
+}
+
+void TestSupportedDrivesFile::takesALargeList()
+{
+    const int count = 20000;
+    QByteArray body = "[";
+    for (int i = 0; i < count; ++i)
+        body += (i ? "," : "") + QByteArray(R"({"model":"SSD M)") + QByteArray::number(i) + R"(","firmware":"F1","smartType":"B"})";
+    body += "]";
+    m_listAnswers = {answerOf(200, body)};
+    LogCapture log;
+    startManager();
+    QTRY_COMPARE_WITH_TIMEOUT(log.count(QStringLiteral("Successfully updated supported drive list")), 1, 10000);
+    const QList<SupportedDrive> list = SupportedDrivesManager::instance()->supportedDrives();
+    QCOMPARE(list.size(), count);
+    QCOMPARE(list.last().model(), QStringLiteral("SSD M%1").arg(count - 1));
+    QCOMPARE(contentOf(cachePath()).count('\n'), count);
 }
 
 void TestSupportedDrivesFile::refreshesEveryInterval()
