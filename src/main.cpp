@@ -1,14 +1,25 @@
 #include "application/Logger.h"
 #include "application/ServiceManager.h"
+#include "application/SingleInstanceGuard.h"
 #include "communication/Dispatcher.h"
 #include "communication/NamedPipeClient.h"
+#include "communicationweb/TarnAuthorizationService.h"
+#include "download/DownloadManager.h"
+#include "migration/MigrationController.h"
 #include "performance/PerformanceCheck.h"
+#include "rest/RestClient.h"
+#include "rest/TrustedAuthority.h"
 #include "smart/SmartManager.h"
 #include "system/SupportedDrivesManager.h"
 #include "system/System.h"
 #include "system/SystemManager.h"
+#include "update/FirmwareUpdate.h"
 
 #include <QApplication>
+#include <QFileInfo>
+#include <QNetworkAccessManager>
+#include <QNetworkReply>
+#include <QNetworkRequest>
 
 using namespace Velmora;
 
@@ -23,6 +34,16 @@ int main(int argc, char* argv[])
     Logger::initialize(Logger::Debug);
     Logger::warning(QString(), QStringLiteral("Starting application: %1 [%2]")
                                    .arg(QCoreApplication::applicationVersion(), QStringLiteral("1.1.4-")));
+
+    auto* guard = new Application::SingleInstanceGuard(app);
+    if (guard->isOtherInstanceRunning()) {
+        Logger::debug(QString(), QStringLiteral("Other instance detected. Shutting down."));
+        guard->notifyOtherInstance();
+        QCoreApplication::quit();
+        return 0;
+    }
+    Logger::debug(QString(), QStringLiteral("No instance detected."));
+    guard->startLocalServer();
 
     auto* pipeClient = new Communication::NamedPipeClient(app);
     auto* dispatcher = new Communication::Dispatcher(app);
@@ -40,16 +61,30 @@ int main(int argc, char* argv[])
     QObject::connect(pipeClient, &Communication::NamedPipeClient::sendingMessage,
         serviceManager, &Application::ServiceManager::onMessageSend);
 
+    const QString extraAuthority = QStringLiteral(KESTRAVIN_BACKEND_CA);
+    if (!extraAuthority.isEmpty() && QFileInfo::exists(extraAuthority))
+        REST::addTrustedAuthority(extraAuthority);
+    auto* network = new QNetworkAccessManager(app);
+    // Wakes the network stack up before the first real call.
+    network->get(QNetworkRequest(QUrl()))->deleteLater();
+    auto* restClient = new REST::RestClient(QUrl(QStringLiteral(KESTRAVIN_BACKEND_URL)), network, app);
+    auto* authorization = new CommunicationWeb::TarnAuthorizationService(restClient, app);
+
     auto* system = new System::System(app);
-    System::SupportedDrivesManager::instance();
+    System::SupportedDrivesManager::initialize(restClient, authorization);
 
     auto* systemManager = new System::SystemManager(system, app);
     dispatcher->registerHandler(systemManager);
     auto* smartManager = new Smart::SmartManager(system, app);
     dispatcher->registerHandler(smartManager);
 
+    new Download::DownloadManager(network, app);
+    new Update::FirmwareUpdate(system, restClient, authorization, app);
+
     auto* performanceCheck = new Performance::PerformanceCheck(system, app);
     dispatcher->registerHandler(performanceCheck);
+    auto* migrationController = new Migration::MigrationController(systemManager, system, app);
+    dispatcher->registerHandler(migrationController);
 
     pipeClient->connectToServer();
     const int result = QApplication::exec();
