@@ -1,3 +1,4 @@
+#include "application/Application.h"
 #include "application/Logger.h"
 #include "application/ServiceManager.h"
 #include "application/SingleInstanceGuard.h"
@@ -15,7 +16,6 @@
 #include "system/SystemManager.h"
 #include "update/FirmwareUpdate.h"
 
-#include <QApplication>
 #include <QFileInfo>
 #include <QNetworkAccessManager>
 #include <QNetworkReply>
@@ -27,9 +27,8 @@ using namespace Velmora;
 // live to the end of the process.
 int main(int argc, char* argv[])
 {
-    auto* app = new QApplication(argc, argv);
-    QCoreApplication::setOrganizationName(QStringLiteral("BRANTEL"));
-    QCoreApplication::setApplicationName(QStringLiteral("KESTRAVIN"));
+    Q_INIT_RESOURCE(tray);
+    auto* app = new Application::Application(argc, argv);
 
     Logger::initialize(Logger::Debug);
     Logger::warning(QString(), QStringLiteral("Starting application: %1 [%2]")
@@ -39,7 +38,7 @@ int main(int argc, char* argv[])
     if (guard->isOtherInstanceRunning()) {
         Logger::debug(QString(), QStringLiteral("Other instance detected. Shutting down."));
         guard->notifyOtherInstance();
-        QCoreApplication::quit();
+        app->quit();
         return 0;
     }
     Logger::debug(QString(), QStringLiteral("No instance detected."));
@@ -77,6 +76,9 @@ int main(int argc, char* argv[])
     dispatcher->registerHandler(systemManager);
     auto* smartManager = new Smart::SmartManager(system, app);
     dispatcher->registerHandler(smartManager);
+    QObject::connect(system, &System::System::notifyError, app,
+        qOverload<QString, QVariant>(&Application::Application::showSystemTrayCriticalMessage));
+    QObject::connect(app, &Application::Application::setCurrentDrive, system, &System::System::setCurrentDrive);
 
     new Download::DownloadManager(network, app);
     new Update::FirmwareUpdate(system, restClient, authorization, app);
@@ -87,7 +89,7 @@ int main(int argc, char* argv[])
     dispatcher->registerHandler(migrationController);
 
     pipeClient->connectToServer();
-    const int result = QApplication::exec();
+    const int result = Application::Application::exec();
 
     Logger::warning(QString(), QStringLiteral("Closing application"));
     System::SupportedDrivesManager::release();

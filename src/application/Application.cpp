@@ -1,0 +1,179 @@
+#include "application/Application.h"
+
+#include "application/Logger.h"
+#include "platform/Autostart.h"
+#include "settings/SettingsManager.h"
+
+#include <QDirIterator>
+#include <QFile>
+#include <QFontDatabase>
+#include <QLocale>
+#include <QMenu>
+#include <QPixmap>
+#include <QTranslator>
+
+namespace Velmora::Application {
+
+using Settings::SettingsManager;
+
+namespace {
+const char* const ApplicationGroup = "Application";
+const char* const StartOnSystemStartupKey = "StartOnSystemStartup";
+const char* const MinimizedOption = "-minimized";
+} // namespace
+
+Application::Application(int& argc, char** argv, std::unique_ptr<Platform::Autostart> autostart)
+    : QApplication(argc, argv)
+    , m_autostart(autostart ? std::move(autostart) : nullptr)
+{
+    setOrganizationName(QStringLiteral("BRANTEL"));
+    setApplicationName(QStringLiteral("KESTRAVIN"));
+    if (!m_autostart)
+        m_autostart = Platform::createAutostart();
+
+    // The autostart entry is the truth at each start; the setting follows it.
+    SettingsManager::setValue(QLatin1String(ApplicationGroup), QLatin1String(StartOnSystemStartupKey),
+        m_autostart->isEnabled());
+    connect(SettingsManager::instance(), &SettingsManager::settingsChanged, this, &Application::onSettingsChanged);
+
+    m_translator = new QTranslator(this);
+    loadTranslation(SettingsManager::value(QStringLiteral("Application"), QStringLiteral("Language"), QStringLiteral("en"))
+                        .toString());
+
+    m_notifications = new TrayNotifications(this);
+    createTray();
+    setQuitOnLastWindowClosed(false);
+    loadFonts();
+}
+
+Application::~Application() = default;
+
+bool Application::hasMinimizedOption(const QStringList& arguments)
+{
+    return arguments.mid(1).contains(QLatin1String(MinimizedOption));
+}
+
+void Application::createTray()
+{
+    const QPixmap icon(QStringLiteral(":/tray/icon"));
+    m_trayMenu = new QMenu;
+    connect(m_trayMenu->addAction(tr("Show")), &QAction::triggered, this, &Application::showMainWindow);
+    m_trayMenu->addSeparator();
+    connect(m_trayMenu->addAction(tr("Quit")), &QAction::triggered, this, &Application::quit);
+
+    m_trayIcon = new QSystemTrayIcon(QIcon(icon), this);
+    connect(m_trayIcon, &QSystemTrayIcon::activated, this, &Application::trayIconActivated);
+    // Order matters: select the drive, bring the window up, then show the next notification at once.
+    connect(m_trayIcon, &QSystemTrayIcon::messageClicked, this, &Application::onTrayMessageClicked);
+    connect(m_trayIcon, &QSystemTrayIcon::messageClicked, this, &Application::showMainWindow);
+    connect(m_trayIcon, &QSystemTrayIcon::messageClicked, m_notifications, &TrayNotifications::stopWaiting);
+    connect(m_trayIcon, &QSystemTrayIcon::messageClicked, m_notifications, &TrayNotifications::showMessage);
+    connect(m_notifications, &TrayNotifications::messageShown, m_trayIcon,
+        [this](const QString& title, const QString& message, TrayNotifications::Kind kind, int msecs) {
+            static const QSystemTrayIcon::MessageIcon icons[] = {
+                QSystemTrayIcon::Information, QSystemTrayIcon::Warning, QSystemTrayIcon::Critical};
+            m_trayIcon->showMessage(title, message, icons[kind], msecs);
+        });
+    m_trayIcon->setContextMenu(m_trayMenu);
+    m_trayIcon->setVisible(true);
+}
+
+void Application::loadFonts()
+{
+    bool loaded = true;
+    QDirIterator fonts(QStringLiteral(":/fonts/"));
+    while (fonts.hasNext()) {
+        if (QFontDatabase::addApplicationFont(fonts.next()) < 0)
+            loaded = false;
+    }
+    if (loaded)
+        Logger::debug(QString(), QStringLiteral("Fonts loaded."));
+    else
+        Logger::error(QString(), QStringLiteral("Could not load fonts."));
+}
+
+void Application::loadTranslation(const QString& language)
+{
+    const QString path = QStringLiteral("%1/%2/%3_%4.qm")
+                             .arg(applicationDirPath(), QStringLiteral("translations"), QStringLiteral("KESTRAVIN"), language);
+    Logger::debug(QString(), QStringLiteral("Loading translation: %1").arg(path));
+    const QLocale locale(language);
+    QLocale::setDefault(locale);
+    if (language == m_language || !QFile::exists(path)) {
+        Logger::error(QString(), QStringLiteral("Unable to load translations from %1").arg(path));
+        return;
+    }
+    Logger::debug(QString(), QStringLiteral("Change language %1 -> %2")
+                                 .arg(QLocale::languageToString(QLocale(m_language).language()),
+                                     QLocale::languageToString(locale.language())));
+    removeTranslator(m_translator);
+    if (m_translator->load(path))
+        installTranslator(m_translator);
+    m_language = language;
+}
+
+void Application::showSystemTrayInformationMessage(QString message, QVariant data)
+{
+    m_notifications->enqueue(TrayNotifications::Information, message, data);
+}
+
+void Application::showSystemTrayInformationMessage(QString message)
+{
+    showSystemTrayInformationMessage(message, QVariant());
+}
+
+void Application::showSystemTrayWarningMessage(QString message, QVariant data)
+{
+    m_notifications->enqueue(TrayNotifications::Warning, message, data);
+}
+
+void Application::showSystemTrayWarningMessage(QString message)
+{
+    showSystemTrayWarningMessage(message, QVariant());
+}
+
+void Application::showSystemTrayCriticalMessage(QString message, QVariant data)
+{
+    m_notifications->enqueue(TrayNotifications::Critical, message, data);
+}
+
+void Application::showSystemTrayCriticalMessage(QString message)
+{
+    showSystemTrayCriticalMessage(message, QVariant());
+}
+
+void Application::quit()
+{
+    closeAllWindows();
+    m_trayIcon->hide();
+    QCoreApplication::quit();
+}
+
+void Application::onSettingsChanged(QString group, QString key, QVariant value)
+{
+    // Emitted under the settings lock: only the arguments may be used here.
+    if (group == QLatin1String(ApplicationGroup) && key == QLatin1String(StartOnSystemStartupKey))
+        setRunOnStartup(value.toBool());
+}
+
+void Application::setRunOnStartup(bool runOnStartup)
+{
+    m_autostart->setEnabled(runOnStartup);
+}
+
+void Application::trayIconActivated(QSystemTrayIcon::ActivationReason reason)
+{
+    if (reason == QSystemTrayIcon::DoubleClick)
+        emit showMainWindow();
+}
+
+void Application::onTrayMessageClicked()
+{
+    const QVariant data = m_notifications->currentData();
+    if (data.isNull() || data.userType() != QMetaType::Int)
+        return;
+    emit setCurrentDrive(data.toInt());
+    emit showDriveStatusPage();
+}
+
+} // namespace Velmora::Application
