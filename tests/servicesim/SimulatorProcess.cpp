@@ -39,9 +39,12 @@ QStringList SimulatorProcess::fastTimings()
 bool SimulatorProcess::start(int timeoutMs)
 {
     m_process.start(executable(), QStringList{QStringLiteral("--name"), m_name} + fastTimings() + m_arguments);
-    if (!m_process.waitForStarted(timeoutMs))
-        return false;
-    return waitForOutput(QStringLiteral("Listening on"), timeoutMs);
+    if (m_process.waitForStarted(timeoutMs) && waitForOutput(QStringLiteral("Listening on"), timeoutMs))
+        return true;
+    qWarning().noquote() << "The service" << m_name << "did not come up: state" << m_process.state() << "exit code"
+                         << m_process.exitCode() << "exit status" << m_process.exitStatus() << "error" << m_process.error()
+                         << "\n" << output() << errorOutput();
+    return false;
 }
 
 bool SimulatorProcess::runToEnd(int timeoutMs)

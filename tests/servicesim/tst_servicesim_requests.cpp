@@ -19,6 +19,7 @@
 #include "SystemTrimCommand.pb.h"
 #include "Version.pb.h"
 
+#include <QDebug>
 #include <QDir>
 #include <QFileInfo>
 #include <QTemporaryDir>
@@ -63,8 +64,10 @@ Session startSession(const QStringList& arguments = {})
     if (!session.service->start())
         return session;
     session.link = std::make_unique<ServiceLink>(session.service->name());
-    if (!session.link->waitForConnection())
+    if (!session.link->waitForConnection()) {
+        qWarning() << "No connection to the service; connected:" << session.link->client.isConnected();
         session.link.reset();
+    }
     return session;
 }
 
@@ -156,6 +159,7 @@ private slots:
     void migrationRefusals_data();
     void migrationRefusals();
     void copyIsCanceled();
+    void clientsShareOneMachine();
     void logFilesAreCopied();
     void answerFaults_data();
     void answerFaults();
@@ -852,6 +856,57 @@ void ServiceSimRequestsTest::copyIsCanceled()
     QCOMPARE(int(report.code()), int(Wire::CANCELED));
     QTest::qWait(150);
     QCOMPARE(session.link->pending(Message::FileCopyResponse), 0);
+}
+
+void ServiceSimRequestsTest::clientsShareOneMachine()
+{
+    Session session = startSession({"--copy-step-ms", "40", "--copy-steps", "10"});
+    QVERIFY(session.link);
+    ServiceLink other(session.service->name());
+    QVERIFY(other.waitForConnection());
+
+    // What one client does to the disks, the other sees in its next drive list.
+    Wire::CleanDisk clean;
+    clean.set_driveid(EmptyDrive);
+    clean.set_partitionstyle(Wire::CleanDisk::GPT);
+    session.link->send(Message::CleanDisk, clean);
+    QVERIFY(session.link->take(Message::CleanDisk, &clean));
+    Wire::PartitionCreate create;
+    create.set_driveid(EmptyDrive);
+    create.mutable_partition()->set_offset(MiB);
+    create.mutable_partition()->set_size(700 * GiB);
+    create.mutable_partition()->set_type(Wire::PartitionInfo::GPT);
+    create.mutable_partition()->set_gpttype(BasicDataGuid);
+    session.link->send(Message::PartitionCreate, create);
+    QVERIFY(session.link->take(Message::PartitionCreate, &create));
+    Wire::PartitionFormat format;
+    format.set_driveid(EmptyDrive);
+    format.mutable_partition()->set_id(create.newpartitionid());
+    format.mutable_partition()->set_filesystem("NTFS");
+    session.link->send(Message::PartitionFormat, format);
+    QVERIFY(session.link->take(Message::PartitionFormat, &format));
+    QCOMPARE(systemInfo(other).drives(int(EmptyDrive)).partitions_size(), 1);
+
+    // A long copy for one client holds up neither the other client nor a second copy's refusal.
+    Wire::FileCopyRequest copy;
+    copy.set_sourcedriveid(SystemDrive);
+    copy.set_sourcepartitionid(WindowsPartition);
+    copy.set_destinationdriveid(EmptyDrive);
+    copy.set_destinationpartitionid(create.newpartitionid());
+    session.link->send(Message::FileCopyRequest, copy);
+    Wire::FileCopyReport report;
+    QVERIFY(session.link->take(Message::FileCopyResponse, &report));
+    QCOMPARE(int(report.code()), int(Wire::PROGRESS));
+    other.send(Message::FileCopyRequest, copy);
+    QVERIFY(other.take(Message::FileCopyResponse, &report));
+    QCOMPARE(int(report.code()), int(Wire::IN_PROGRESS));
+    other.send(Message::Version);
+    QByteArray version;
+    QVERIFY(other.take(Message::Version, &version, 200));
+    do {
+        QVERIFY(session.link->take(Message::FileCopyResponse, &report));
+    } while (report.code() == Wire::PROGRESS);
+    QCOMPARE(int(report.code()), 0);
 }
 
 void ServiceSimRequestsTest::logFilesAreCopied()
