@@ -11,6 +11,7 @@ packages=(
   libcpp-httplib-dev
   libbenchmark-dev
   xvfb xauth
+  fonts-inter
 )
 
 missing=()
