@@ -26,3 +26,15 @@ bool connectionWarningSeen();
         const int result = QTest::qExec(&tc, argc, argv);                                              \
         return TestEnvironment::connectionWarningSeen() ? 1 : result;                                  \
     }
+
+// The same for suites that make widgets: a QApplication instead. Include <QApplication> first.
+#define KESTRAVIN_GUI_TEST_MAIN(TestClass)                                                             \
+    int main(int argc, char* argv[])                                                                   \
+    {                                                                                                  \
+        QApplication app(argc, argv);                                                                  \
+        TestEnvironment::installConnectionWarningTrap();                                               \
+        TestClass tc;                                                                                  \
+        QTEST_SET_MAIN_SOURCE_PATH                                                                     \
+        const int result = QTest::qExec(&tc, argc, argv);                                              \
+        return TestEnvironment::connectionWarningSeen() ? 1 : result;                                  \
+    }

@@ -1,0 +1,7 @@
+#include "gui/widgets/ClickableLabel.h"
+
+void ClickableLabel::mousePressEvent(QMouseEvent* event)
+{
+    emit clicked();
+    QLabel::mousePressEvent(event);
+}

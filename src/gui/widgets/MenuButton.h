@@ -1,0 +1,28 @@
+#pragma once
+
+#include <QPushButton>
+
+namespace Velmora::Gui {
+
+// An entry of a MenuBarButton's drop-down: as wide as the drop-down, text at the left.
+class MenuButton : public QPushButton
+{
+    Q_OBJECT
+
+public:
+    explicit MenuButton(QWidget* parent = nullptr);
+    explicit MenuButton(const QString& text, QWidget* parent = nullptr);
+
+    static constexpr int TextLeft = 50;
+
+    bool isHovered() const { return m_hovered; }
+
+protected:
+    bool event(QEvent* event) override;
+    void paintEvent(QPaintEvent* event) override;
+
+private:
+    bool m_hovered = false;
+};
+
+} // namespace Velmora::Gui
