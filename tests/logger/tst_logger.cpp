@@ -5,6 +5,7 @@
 #include <QDateTime>
 #include <QDir>
 #include <QFile>
+#include <QProcess>
 #include <QRegularExpression>
 #include <QStandardPaths>
 #include <QTest>
@@ -73,6 +74,7 @@ private slots:
     void rotatesOnlyAboveTheLimit();
     void keepsAtMostFiveFiles();
     void keepsLinesWholeAcrossThreads();
+    void endsTheProcessWithoutALogFile();
 };
 
 void TestLogger::initTestCase()
@@ -235,5 +237,36 @@ void TestLogger::keepsLinesWholeAcrossThreads()
         QVERIFY2(LineStart.match(line).hasMatch() && line.contains(QLatin1String(" : thread ")), qPrintable(line));
 }
 
-KESTRAVIN_TEST_MAIN(TestLogger)
+void TestLogger::endsTheProcessWithoutALogFile()
+{
+    // The data folder lies under a plain file, so neither the folder nor the log can be made.
+    QProcess child;
+    QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+    environment.insert(QStringLiteral("KESTRAVIN_LOGGER_CHILD"), QStringLiteral("1"));
+    environment.insert(QStringLiteral("XDG_DATA_HOME"), QStringLiteral("/dev/null/data"));
+    child.setProcessEnvironment(environment);
+    child.start(QCoreApplication::applicationFilePath(), QStringList());
+    QVERIFY(child.waitForFinished(10000));
+    QCOMPARE(child.exitStatus(), QProcess::NormalExit);
+    QCOMPARE(child.exitCode(), 1);
+    const QByteArray said = child.readAllStandardError();
+    QVERIFY2(said.contains("Unable to create log directory"), said.constData());
+    QVERIFY(said.contains("Cannot create log file: /dev/null/data/BRANTEL/KESTRAVIN/Velmora.log"));
+}
+
+// Run as its own child, the program only opens its log: that is what the exit test watches.
+int main(int argc, char* argv[])
+{
+    if (qEnvironmentVariableIsSet("KESTRAVIN_LOGGER_CHILD")) {
+        QCoreApplication app(argc, argv);
+        QCoreApplication::setOrganizationName(QStringLiteral("BRANTEL"));
+        QCoreApplication::setApplicationName(QStringLiteral("KESTRAVIN"));
+        return Logger::initialize(Logger::Debug);
+    }
+    QCoreApplication app(argc, argv);
+    TestEnvironment::installConnectionWarningTrap();
+    TestLogger test;
+    const int result = QTest::qExec(&test, argc, argv);
+    return TestEnvironment::connectionWarningSeen() ? 1 : result;
+}
 #include "tst_logger.moc"
