@@ -1,0 +1,162 @@
+#include "ads/AdsManager.h"
+
+#include "application/Logger.h"
+#include "communicationweb/AdAvabilityResponse.h"
+#include "download/DownloadFile.h"
+#include "download/DownloadManager.h"
+#include "rest/RestResponse.h"
+#include "settings/SettingsManager.h"
+
+#include <QCryptographicHash>
+#include <QDir>
+#include <QFile>
+#include <QStandardPaths>
+#include <QTimer>
+
+namespace Velmora::Ads {
+
+namespace {
+
+const QString SettingsGroup = QStringLiteral("Application");
+const QString SignatureKey = QStringLiteral("AdvSigMD5");
+const QString CounterKey = QStringLiteral("AdvShowCounter");
+const QString TresholdKey = QStringLiteral("AdvShowTreshold");
+
+// Below this the picture is shown at every start; from it on the wait doubles.
+constexpr int ShowAlwaysUpTo = 2;
+
+} // namespace
+
+AdsManager::AdsManager(REST::RestClient* restClient, CommunicationWeb::TarnAuthorizationService* authorizationService,
+    Download::DownloadManager* downloadManager, QObject* parent, int firstCheckDelay)
+    : TarnWebHandler(restClient, authorizationService, parent)
+    , m_adsDirectory(QStandardPaths::writableLocation(QStandardPaths::AppDataLocation) + QStringLiteral("/ads"))
+    , m_downloadManager(downloadManager)
+{
+    m_downloadManager->addHandler(this);
+    removeOldFiles();
+    QTimer::singleShot(firstCheckDelay, this, &AdsManager::checkAvailability);
+    setRetransmissionInterval(RetransmissionInterval);
+}
+
+void AdsManager::removeOldFiles()
+{
+    QDir directory(m_adsDirectory);
+    if (!directory.exists())
+        directory.mkpath(QStringLiteral("."));
+    const QStringList pictures{QStringLiteral("*.png"), QStringLiteral("*.PNG"), QStringLiteral("*.gif"),
+        QStringLiteral("*.GIF"), QStringLiteral("*.jpg"), QStringLiteral("*.JPG"), QStringLiteral("*.jpeg"),
+        QStringLiteral("*.JPEG")};
+    const QFileInfoList files = directory.entryInfoList(pictures, QDir::Files);
+    for (const QFileInfo& file : files) {
+        Logger::debug(QString(), QStringLiteral("Removing old ad file: ") + file.filePath());
+        QFile::remove(file.filePath());
+    }
+}
+
+void AdsManager::checkAvailability()
+{
+    Logger::info(QString(), QStringLiteral("Checking advertisements availability"));
+    sendRequest(REST::RestRequest(REST::GET, QStringLiteral("ad")));
+}
+
+bool AdsManager::onRestResponseReceived(REST::RestResponse* response)
+{
+    if (TarnWebHandler::onRestResponseReceived(response)) {
+        delete response;
+        return true;
+    }
+    if (response)
+        readAnswer(*response);
+    delete response;
+    return true;
+}
+
+void AdsManager::readAnswer(const REST::RestResponse& response)
+{
+    if (response.error() != QNetworkReply::NoError) {
+        Logger::error(QString(),
+            QStringLiteral("Server did not respond correctly to ad avability check request: %1").arg(response.status()));
+        return;
+    }
+    Logger::info(QString(), QStringLiteral("Got new advertisement"));
+    CommunicationWeb::AdAvabilityResponse answer;
+    if (!answer.fromJson(response.content())) {
+        Logger::error(QString(), QStringLiteral("Unable to parse ad avability response: %1").arg(response.content()));
+        return;
+    }
+    Logger::info(QString(), QStringLiteral("Ad avability message status: %1 [%2]").arg(answer.file(), answer.link()));
+    m_adLink = QUrl(answer.link());
+    if (answer.file().isEmpty()) {
+        Logger::error(QString(), QStringLiteral("Error downloading ad, url is empty"));
+        return;
+    }
+    Logger::info(QString(), QStringLiteral("Downloading ad file to: %1").arg(m_adsDirectory));
+    m_downloadManager->addDownload(new Download::AdvertisementFile(answer.file(), m_adsDirectory));
+}
+
+void AdsManager::onFileDownloaded(Download::DownloadFile* file)
+{
+    if (!dynamic_cast<Download::AdvertisementFile*>(file)) {
+        delete file;
+        return;
+    }
+    Logger::info(QString(), QStringLiteral("Ad downloaded"));
+    Logger::info(QString(), QStringLiteral("Opening ad: %1").arg(file->path()));
+    QFile picture(file->path());
+    QCryptographicHash md5(QCryptographicHash::Md5);
+    if (picture.open(QIODevice::ReadOnly))
+        md5.addData(&picture);
+    if (advanceBackOff(QString::fromLatin1(md5.result().toHex())))
+        emit newAdAvailable(file->path(), m_adLink);
+    delete file;
+}
+
+bool AdsManager::advanceBackOff(const QString& signature)
+{
+    if (signature != LoadLastAdvSig()) {
+        SaveLastAdvSig(signature);
+        SaveAdvCounters(0, 0);
+    }
+    int counter = 0;
+    int treshold = 0;
+    LoadAdvCounters(&counter, &treshold);
+    if (treshold <= ShowAlwaysUpTo || counter == treshold) {
+        treshold = treshold <= ShowAlwaysUpTo ? treshold + 1 : treshold * 2;
+        SaveAdvCounters(0, treshold);
+        return true;
+    }
+    SaveAdvCounters(counter + 1, treshold);
+    return false;
+}
+
+void AdsManager::onFileDownloadFailed(Download::DownloadFile* file)
+{
+    if (dynamic_cast<Download::AdvertisementFile*>(file))
+        Logger::warning(QString(), QStringLiteral("Failed to download ad: %1").arg(file->path()));
+    delete file;
+}
+
+QString AdsManager::LoadLastAdvSig()
+{
+    return Settings::SettingsManager::value(SettingsGroup, SignatureKey, QString()).toString();
+}
+
+void AdsManager::SaveLastAdvSig(QString signature)
+{
+    Settings::SettingsManager::setValue(SettingsGroup, SignatureKey, signature);
+}
+
+void AdsManager::LoadAdvCounters(int* counter, int* treshold)
+{
+    *counter = Settings::SettingsManager::value(SettingsGroup, CounterKey, 0).toInt();
+    *treshold = Settings::SettingsManager::value(SettingsGroup, TresholdKey, 0).toInt();
+}
+
+void AdsManager::SaveAdvCounters(int counter, int treshold)
+{
+    Settings::SettingsManager::setValue(SettingsGroup, CounterKey, counter);
+    Settings::SettingsManager::setValue(SettingsGroup, TresholdKey, treshold);
+}
+
+} // namespace Velmora::Ads
