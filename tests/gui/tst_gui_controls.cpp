@@ -161,6 +161,11 @@ void TestGuiControls::paramValueWidgetCaptionColour()
              QStringLiteral("color: #8c96c3;"));
 
     const QImage image = grabWidget(widget, QStringLiteral("paramvaluewidget"));
+    // The caption takes the widget's font like the value does.
+    auto* name = widget.findChild<QLabel*>(QStringLiteral("nameLabel"));
+    auto* value = widget.findChild<QLabel*>(QStringLiteral("valueLabel"));
+    QCOMPARE(QFontInfo(name->font()).pixelSize(), 24);
+    QCOMPARE(QFontInfo(name->font()).styleName(), QFontInfo(value->font()).styleName());
     QVERIFY(containsColor(image, Caption, QRect(0, 0, 200, 40)));
     QVERIFY(!containsColor(image, Caption, QRect(200, 0, 200, 40)));
 

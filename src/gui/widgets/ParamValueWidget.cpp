@@ -1,5 +1,6 @@
 #include "gui/widgets/ParamValueWidget.h"
 
+#include <QEvent>
 #include <QHBoxLayout>
 #include <QLabel>
 
@@ -51,6 +52,15 @@ void ParamValueWidget::setColor(const QColor& color)
 void ParamValueWidget::setNameWidth(int width)
 {
     m_nameLabel->setMinimumWidth(width);
+}
+
+void ParamValueWidget::changeEvent(QEvent* event)
+{
+    // A label with a style sheet of its own no longer inherits the font of its parent; the
+    // caption is to look like the value beside it.
+    if (event->type() == QEvent::FontChange)
+        m_nameLabel->setFont(font());
+    QWidget::changeEvent(event);
 }
 
 } // namespace Velmora::Gui

@@ -29,6 +29,9 @@ public:
     // Lines up the values of several rows.
     void setNameWidth(int width);
 
+protected:
+    void changeEvent(QEvent* event) override;
+
 private:
     QLabel* m_nameLabel;
     QLabel* m_valueLabel;
