@@ -1,6 +1,7 @@
 #include "application/Application.h"
 
 #include "application/Logger.h"
+#include "gui/ApplicationFonts.h"
 #include "platform/Autostart.h"
 #include "settings/SettingsManager.h"
 
@@ -80,12 +81,14 @@ void Application::createTray()
 
 void Application::loadFonts()
 {
+    Gui::initFontResources();
     bool loaded = true;
     QDirIterator fonts(QStringLiteral(":/fonts/"));
     while (fonts.hasNext()) {
         if (QFontDatabase::addApplicationFont(fonts.next()) < 0)
             loaded = false;
     }
+    Gui::mapLegacyFontNames();
     if (loaded)
         Logger::debug(QString(), QStringLiteral("Fonts loaded."));
     else

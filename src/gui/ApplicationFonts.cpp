@@ -6,13 +6,18 @@
 #include <QSet>
 
 // The resource file is compiled into a static library; nothing would pull it into the program
-// unless it is named once.
-static void initFontResources()
+// unless it is named once. Q_INIT_RESOURCE may not stand inside a namespace.
+static void initFontResourcesOnce()
 {
     Q_INIT_RESOURCE(fonts);
 }
 
 namespace Velmora::Gui {
+
+void initFontResources()
+{
+    initFontResourcesOnce();
+}
 
 QStringList registerApplicationFonts()
 {
@@ -37,9 +42,13 @@ QStringList registerApplicationFonts()
             }
         }
     }
-    if (loaded.isEmpty())
-        return loaded;
+    if (!loaded.isEmpty())
+        mapLegacyFontNames();
+    return loaded;
+}
 
+void mapLegacyFontNames()
+{
     // The faces were once published as "Inter UI"; the weights had families of their own. Each
     // old name goes to the weight's own family where the font database offers one, else to the
     // family as a whole.
@@ -53,7 +62,6 @@ QStringList registerApplicationFonts()
     };
     for (const auto& [oldName, newName] : names)
         QFont::insertSubstitution(oldName, known.contains(newName) ? newName : family);
-    return loaded;
 }
 
 } // namespace Velmora::Gui

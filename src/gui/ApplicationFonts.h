@@ -9,4 +9,9 @@ namespace Velmora::Gui {
 // more than once. Needs a QGuiApplication.
 QStringList registerApplicationFonts();
 
+// The two halves for callers that load the faces themselves: make ":/fonts/" available, and let
+// the "Inter UI" names resolve to the loaded faces.
+void initFontResources();
+void mapLegacyFontNames();
+
 } // namespace Velmora::Gui
