@@ -14,6 +14,8 @@
 
 #include <QDir>
 #include <QFile>
+#include <QJsonDocument>
+#include <QJsonObject>
 #include <QSignalSpy>
 #include <QTest>
 
@@ -64,6 +66,20 @@ QByteArray readAll(const QString& path)
     return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray("<missing>");
 }
 
+// Takes the ticket's folder away just before the reports are handed to the worker, as a watchdog
+// firing at that moment would.
+class VanishingFolderSystemManager : public Velmora::System::SystemManager
+{
+public:
+    using SystemManager::SystemManager;
+    SupportManager* manager = nullptr;
+    QString systemInfoJson() override
+    {
+        QDir(manager->ticket()->directoryPath()).removeRecursively();
+        return SystemManager::systemInfoJson();
+    }
+};
+
 } // namespace
 
 class TestSupportManager : public QObject
@@ -84,6 +100,7 @@ private slots:
     void watchdogEndsTicket_data();
     void watchdogEndsTicket();
     void expiredSessionResendsTicketOnce();
+    void ticketWithoutFolderStillGoesOut();
 
 private:
     void create();
@@ -386,6 +403,35 @@ void TestSupportManager::expiredSessionResendsTicketOnce()
     QCOMPARE(log.count(QStringLiteral("Support ticket created with id: 9")), 1);
     QCOMPARE(supportPosts(), 2);
     QCOMPARE(m_server->requests().last().target, QByteArray("/kestravin/public/api/support?session=s1&session=s2"));
+}
+
+void TestSupportManager::ticketWithoutFolderStillGoesOut()
+{
+    VanishingFolderSystemManager systemManager(m_system);
+    SupportManager manager(&systemManager, m_smartManager, m_handler, m_client, m_service);
+    systemManager.manager = &manager;
+    delete m_manager;
+    m_manager = nullptr;
+    m_server->setResponder([](const HttpTestServer::Request& request) {
+        if (request.target.endsWith("/session"))
+            return answerOf(200, request.method == "GET" ? R"({"session":"s1"})" : R"({"authenticated":true})");
+        return answerOf(201, R"({"id":3})");
+    });
+
+    QSignalSpy changed(&manager, &SupportManager::statusChanged);
+    LogCapture log;
+    manager.createSupportTicket(QStringLiteral("m"), QStringLiteral("e"), QStringLiteral("s"), QStringLiteral("c"));
+    m_handler->handleMessage(Velmora::Message::Message::CopyLogFilesResponse, copyResponse(0, QStringLiteral("S"), 0));
+    QTRY_COMPARE(changed.count(), 4);
+    QCOMPARE(changed.last().at(0).value<SupportStatus>(), S::Accepted);
+    for (const char* line : {"Unable to create system info log file", "Unable to create system report log file",
+             "Unable to create SMART report log file", "Unable to create version log file"})
+        QVERIFY2(log.count(QLatin1String(line)) == 1, line);
+    QCOMPARE(log.count(QStringLiteral("Unable to copy log file: %1Velmora.log").arg(Velmora::Logger::logDirectory())), 1);
+    // Without the version file there is nothing to attach: the request goes out as plain JSON.
+    const HttpTestServer::Request post = m_server->requests().last();
+    QCOMPARE(post.headers.value("content-type"), QByteArray("application/json"));
+    QCOMPARE(QJsonDocument::fromJson(post.body).object().value(QStringLiteral("captcha")).toString(), QStringLiteral("c"));
 }
 
 KESTRAVIN_TEST_MAIN(TestSupportManager)
