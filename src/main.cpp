@@ -1,3 +1,4 @@
+#include "ads/AdsManager.h"
 #include "application/Application.h"
 #include "application/Logger.h"
 #include "application/ServiceManager.h"
@@ -11,9 +12,14 @@
 #include "rest/RestClient.h"
 #include "rest/TrustedAuthority.h"
 #include "smart/SmartManager.h"
+#include "support/SupportCaptcha.h"
+#include "support/SupportManager.h"
+#include "support/SupportServiceHandler.h"
 #include "system/SupportedDrivesManager.h"
 #include "system/System.h"
 #include "system/SystemManager.h"
+#include "update/ApplicationUpdate.h"
+#include "update/AutomaticUpdateCheck.h"
 #include "update/FirmwareUpdate.h"
 
 #include <QFileInfo>
@@ -80,8 +86,15 @@ int main(int argc, char* argv[])
         qOverload<QString, QVariant>(&Application::Application::showSystemTrayCriticalMessage));
     QObject::connect(app, &Application::Application::setCurrentDrive, system, &System::System::setCurrentDrive);
 
-    new Download::DownloadManager(network, app);
-    new Update::FirmwareUpdate(system, restClient, authorization, app);
+    auto* downloadManager = new Download::DownloadManager(network, app);
+    auto* supportServiceHandler = new Support::SupportServiceHandler(app);
+    dispatcher->registerHandler(supportServiceHandler);
+    new Support::SupportManager(systemManager, smartManager, supportServiceHandler, restClient, authorization, app);
+    new Support::SupportCaptcha(downloadManager, restClient->baseUrl(), app);
+    auto* firmwareUpdate = new Update::FirmwareUpdate(system, restClient, authorization, app);
+    auto* applicationUpdate = new Update::ApplicationUpdate(restClient, authorization, downloadManager, app);
+    new Update::AutomaticUpdateCheck(system, QList<Update::UpdateInterface*>{applicationUpdate, firmwareUpdate}, app);
+    new Ads::AdsManager(restClient, authorization, downloadManager, app);
 
     auto* performanceCheck = new Performance::PerformanceCheck(system, app);
     dispatcher->registerHandler(performanceCheck);
