@@ -25,8 +25,12 @@ QString fromUtf8(const std::string& text)
 QString toJson(const google::protobuf::Message& message)
 {
     std::string json;
+    // The support ticket's reports: readable, every field present, enums by name, proto names.
     google::protobuf::util::JsonPrintOptions options;
+    options.add_whitespace = true;
     options.always_print_primitive_fields = true;
+    options.always_print_enums_as_ints = false;
+    options.preserve_proto_field_names = true;
     google::protobuf::util::MessageToJsonString(message, &json, options);
     return fromUtf8(json);
 }

@@ -412,10 +412,12 @@ void TestSystemManager::printsTheLastMessagesAsJson()
 {
     m_manager->handleMessage(Message::SystemInfo, twoDrives());
     const QString json = m_manager->systemInfoJson();
-    QVERIFY2(json.startsWith(QLatin1String("{\"Drives\":[{\"DriveID\":1,")), qPrintable(json));
-    QVERIFY(json.contains(QLatin1String("\"Size\":\"274877906944\"")));
-    QVERIFY(json.contains(QLatin1String("\"Letter\":\"D:\"")));
-    QVERIFY(m_manager->systemReportJson().contains(QLatin1String("\"ComputerManufacturer\":\"\"")));
+    QVERIFY2(json.startsWith(QLatin1String("{\n \"Drives\": [\n  {\n   \"DriveID\": 1,\n")), qPrintable(json));
+    QVERIFY(json.contains(QLatin1String("\"Size\": \"274877906944\"")));
+    QVERIFY(json.contains(QLatin1String("\"Letter\": \"D:\"")));
+    QVERIFY(json.contains(QLatin1String("\"PartitionFormatStyle\": \"GPT\"")));
+    QVERIFY(json.contains(QLatin1String("\"Type\": \"GPT\"")));
+    QVERIFY(m_manager->systemReportJson().contains(QLatin1String("\"ComputerManufacturer\": \"\"")));
 }
 
 KESTRAVIN_TEST_MAIN(TestSystemManager)
