@@ -7,7 +7,7 @@ packages=(
   cmake g++ make pkg-config ninja-build
   qtbase5-dev qttools5-dev libqt5svg5-dev
   protobuf-compiler libprotobuf-dev
-  libssl-dev
+  libssl-dev openssl
   libcpp-httplib-dev
   libbenchmark-dev
   xvfb xauth
