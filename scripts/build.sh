@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
-# Configures and builds everything (program, simulated service, tests, benchmarks) into
-# ${BUILD_DIR:-build}. Used by run.sh and test.sh.
+# Configures and builds into ${BUILD_DIR:-build}: the targets given as arguments, or everything
+# (program, simulators, tests, benchmarks). Used by run.sh and test.sh.
 set -euo pipefail
 cd "$(dirname "$0")/.."
 
@@ -12,4 +12,8 @@ fi
 if [ ! -f "$build_dir/CMakeCache.txt" ]; then
   cmake -S . -B "$build_dir" "${generator[@]}" -DCMAKE_BUILD_TYPE=RelWithDebInfo
 fi
-cmake --build "$build_dir" --parallel "$(nproc)"
+targets=()
+for target in "$@"; do
+  targets+=(--target "$target")
+done
+cmake --build "$build_dir" --parallel "$(nproc)" "${targets[@]}"

@@ -6,7 +6,7 @@ set -euo pipefail
 cd "$(dirname "$0")/.."
 
 bash scripts/install-deps.sh
-bash scripts/build.sh
+bash scripts/build.sh kestravin Kestravin_Service Kestravin_Backend
 bin="${BUILD_DIR:-build}/bin"
 
 backend_pid=
