@@ -1,0 +1,306 @@
+#include "gui/MainWindowWinFrame.h"
+
+#include "gui/MainWindow.h"
+#include "settings/SettingsManager.h"
+
+#include <QApplication>
+#include <QCloseEvent>
+#include <QGuiApplication>
+#include <QMouseEvent>
+#include <QScreen>
+#include <QVBoxLayout>
+#include <QWindow>
+
+#include <algorithm>
+
+namespace Velmora::Gui {
+
+namespace {
+
+const QString Group = QStringLiteral("MainWindow");
+const QString GeometryKey = QStringLiteral("Geometry");
+const QString MaximizedKey = QStringLiteral("isMaximized");
+
+QList<QRect> availableScreenAreas()
+{
+    QList<QRect> areas;
+    for (const QScreen* screen : QGuiApplication::screens())
+        areas.append(screen->availableGeometry());
+    return areas;
+}
+
+} // namespace
+
+MainWindowWinFrame::MainWindowWinFrame(MainWindow* mainWindow, QWidget* parent)
+    : QWidget(parent, Qt::Window | Qt::FramelessWindowHint)
+    , mainWindow(mainWindow)
+    , layout(new QVBoxLayout(this))
+    , screenAreas(availableScreenAreas)
+{
+    setWindowTitle(QStringLiteral("KESTRAVIN SSD"));
+    // Closing the window leaves the program in the tray; only the tray's quit ends it.
+    setAttribute(Qt::WA_QuitOnClose, false);
+    setMinimumSize(minimumWidth, minimumHeight);
+    resize(defaultWidth, defaultHeight);
+
+    layout->setContentsMargins(0, 0, 0, 0);
+    layout->setSpacing(0);
+    layout->addWidget(mainWindow);
+    mainWindow->setVisible(true);
+    m_titleBarHeight = mainWindow->headerHeight();
+
+    connect(mainWindow, &MainWindow::minimizeWindowRequest, this, &MainWindowWinFrame::onMinimizeWindowRequest);
+    connect(mainWindow, &MainWindow::maximizeWindowRequest, this, &MainWindowWinFrame::onMaximizeWindowRequest);
+    connect(mainWindow, &MainWindow::restoreWindowRequest, this, &MainWindowWinFrame::onRestoreWindowRequest);
+    connect(mainWindow, &MainWindow::closeWindowRequest, this, &MainWindowWinFrame::onCloseWindowRequest);
+
+    // Presses land on the widgets of the main window, not on the frame: watch them all to find the
+    // ones on the border and in the title area.
+    qApp->installEventFilter(this);
+}
+
+MainWindowWinFrame::~MainWindowWinFrame()
+{
+    qApp->removeEventFilter(this);
+}
+
+void MainWindowWinFrame::setScreenAreas(ScreenAreas areas)
+{
+    screenAreas = std::move(areas);
+}
+
+void MainWindowWinFrame::show()
+{
+    if (shownBefore) {
+        if (isVisible() && !isMinimized()) {
+            raise();
+            activateWindow();
+            return;
+        }
+        showAfterHiding();
+        return;
+    }
+    shownBefore = true;
+
+    QRect saved(QPoint(1, 1), QPoint(defaultWidth, defaultHeight));
+    if (Settings::SettingsManager::contains(Group, GeometryKey))
+        saved = Settings::SettingsManager::value(Group, GeometryKey).toRect();
+
+    const QList<QRect> areas = screenAreas();
+    const bool onScreen = std::any_of(areas.begin(), areas.end(),
+        [&saved](const QRect& area) { return area.contains(saved.topLeft()); });
+    int left = saved.left();
+    int top = saved.top();
+    int width = saved.right() - left;
+    int height = saved.bottom() - top;
+    if (!onScreen) {
+        // The screen it was on is gone: start at the origin; the zoom below catches a window
+        // that no longer fits.
+        left = 0;
+        top = 0;
+        width = saved.right();
+        height = saved.bottom();
+    }
+    setGeometry(left, top, width + 1, height + 1);
+
+    bool toMaximize = Settings::SettingsManager::value(Group, MaximizedKey, false).toBool();
+    const QRect placed = geometry();
+    for (const QRect& area : areas) {
+        if (area.contains(placed.center())) {
+            if (placed.width() > area.width() || placed.height() > area.height())
+                toMaximize = true;
+            break;
+        }
+    }
+
+    QWidget::show();
+    raise();
+    activateWindow();
+    if (toMaximize) {
+        maximize();
+    } else {
+        mainWindow->setMaximizeButtonVisible(true);
+        maximized = false;
+    }
+}
+
+void MainWindowWinFrame::showAfterHiding()
+{
+    setWindowState(windowState() & ~Qt::WindowMinimized);
+    QWidget::show();
+    raise();
+    activateWindow();
+    if (maximized) {
+        maximize();
+    } else {
+        mainWindow->setMaximizeButtonVisible(true);
+        maximized = false;
+    }
+}
+
+void MainWindowWinFrame::showNormal()
+{
+    mainWindow->setMaximizeButtonVisible(true);
+    maximized = false;
+}
+
+void MainWindowWinFrame::maximize()
+{
+    saveGeometry();
+    QWidget::showMaximized();
+    mainWindow->setMaximizeButtonVisible(false);
+    maximized = true;
+}
+
+void MainWindowWinFrame::restore()
+{
+    QWidget::showNormal();
+    mainWindow->setMaximizeButtonVisible(true);
+    maximized = false;
+}
+
+void MainWindowWinFrame::saveGeometry()
+{
+    if (!shownBefore)
+        return;
+    const bool zoomed = isMaximized();
+    Settings::SettingsManager::setValue(Group, MaximizedKey, zoomed);
+    maximized = zoomed;
+    // A zoomed window keeps the place it will return to.
+    if (!zoomed)
+        Settings::SettingsManager::setValue(Group, GeometryKey, geometry());
+}
+
+void MainWindowWinFrame::onMaximizeWindowRequest()
+{
+    maximize();
+}
+
+void MainWindowWinFrame::onMinimizeWindowRequest()
+{
+    showMinimized();
+}
+
+void MainWindowWinFrame::onRestoreWindowRequest()
+{
+    restore();
+}
+
+void MainWindowWinFrame::onCloseWindowRequest()
+{
+    saveGeometry();
+    hide();
+}
+
+void MainWindowWinFrame::closeEvent(QCloseEvent* event)
+{
+    // Closing hides the window; the program stays in the tray.
+    saveGeometry();
+    QWidget::closeEvent(event);
+}
+
+void MainWindowWinFrame::changeEvent(QEvent* event)
+{
+    // The window manager may zoom or restore the window without our buttons.
+    if (event->type() == QEvent::WindowStateChange && !isMinimized()) {
+        maximized = isMaximized();
+        mainWindow->setMaximizeButtonVisible(!maximized);
+    }
+    QWidget::changeEvent(event);
+}
+
+Qt::Edges MainWindowWinFrame::edgesAt(const QPoint& localPos) const
+{
+    Qt::Edges edges;
+    if (localPos.x() < m_borderWidth)
+        edges |= Qt::LeftEdge;
+    if (localPos.x() >= width() - m_borderWidth)
+        edges |= Qt::RightEdge;
+    if (localPos.y() < m_borderWidth)
+        edges |= Qt::TopEdge;
+    if (localPos.y() >= height() - m_borderWidth)
+        edges |= Qt::BottomEdge;
+    return edges;
+}
+
+bool MainWindowWinFrame::eventFilter(QObject* watched, QEvent* event)
+{
+    const QEvent::Type type = event->type();
+    if (type != QEvent::MouseButtonPress && type != QEvent::MouseMove && type != QEvent::MouseButtonRelease
+        && type != QEvent::MouseButtonDblClick)
+        return false;
+    auto* target = qobject_cast<QWidget*>(watched);
+    if (!target || target->window() != this)
+        return false;
+    auto* mouse = static_cast<QMouseEvent*>(event);
+
+    switch (type) {
+    case QEvent::MouseButtonPress:
+        return handleMousePress(target, mouse);
+    case QEvent::MouseMove:
+        if (drag == Drag::None)
+            return false;
+        dragTo(mouse->globalPos());
+        return true;
+    case QEvent::MouseButtonRelease:
+        if (drag == Drag::None)
+            return false;
+        drag = Drag::None;
+        return true;
+    default: {
+        const QPoint local = mapFromGlobal(mouse->globalPos());
+        if (mouse->button() != Qt::LeftButton || local.y() >= m_titleBarHeight || !mainWindow->isCaptionWidget(target))
+            return false;
+        if (isMaximized())
+            restore();
+        else
+            maximize();
+        return true;
+    }
+    }
+}
+
+bool MainWindowWinFrame::handleMousePress(QWidget* target, QMouseEvent* event)
+{
+    if (event->button() != Qt::LeftButton || isMaximized())
+        return false;
+    const QPoint local = mapFromGlobal(event->globalPos());
+    const Qt::Edges edges = edgesAt(local);
+    const bool onCaption = local.y() < m_titleBarHeight && mainWindow->isCaptionWidget(target);
+    if (!edges && !onCaption)
+        return false;
+
+    QWindow* window = windowHandle();
+    const bool systemDrag = window && (edges ? window->startSystemResize(edges) : window->startSystemMove());
+    if (!systemDrag) {
+        // No window manager to do it (Xvfb, some kiosks): follow the mouse ourselves.
+        drag = edges ? Drag::Resize : Drag::Move;
+        dragEdges = edges;
+        dragStart = event->globalPos();
+        dragStartGeometry = geometry();
+    }
+    return true;
+}
+
+void MainWindowWinFrame::dragTo(const QPoint& globalPos)
+{
+    const QPoint delta = globalPos - dragStart;
+    if (drag == Drag::Move) {
+        move(dragStartGeometry.topLeft() + delta);
+        return;
+    }
+    QRect target = dragStartGeometry;
+    const int minW = minimumWidth;
+    const int minH = minimumHeight;
+    if (dragEdges & Qt::LeftEdge)
+        target.setLeft(std::min(target.left() + delta.x(), target.right() - minW + 1));
+    if (dragEdges & Qt::RightEdge)
+        target.setRight(std::max(target.right() + delta.x(), target.left() + minW - 1));
+    if (dragEdges & Qt::TopEdge)
+        target.setTop(std::min(target.top() + delta.y(), target.bottom() - minH + 1));
+    if (dragEdges & Qt::BottomEdge)
+        target.setBottom(std::max(target.bottom() + delta.y(), target.top() + minH - 1));
+    setGeometry(target);
+}
+
+} // namespace Velmora::Gui

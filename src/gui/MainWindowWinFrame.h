@@ -1,0 +1,80 @@
+#pragma once
+
+#include <QList>
+#include <QPoint>
+#include <QRect>
+#include <QWidget>
+
+#include <functional>
+
+class QVBoxLayout;
+
+namespace Velmora::Gui {
+
+class MainWindow;
+
+// The program's top-level window: frameless, hosting the MainWindow. It moves from the title area
+// and resizes from a thin border, through the window manager when there is one and by itself
+// otherwise. Closing only hides it; its place and zoom are kept in the settings.
+class MainWindowWinFrame : public QWidget
+{
+    Q_OBJECT
+
+public:
+    static constexpr int minimumHeight = 600;
+    static constexpr int minimumWidth = 900;
+    static constexpr int defaultHeight = 1024;
+    static constexpr int defaultWidth = 1280;
+
+    explicit MainWindowWinFrame(MainWindow* mainWindow, QWidget* parent = nullptr);
+    ~MainWindowWinFrame() override;
+
+    // Where windows may be placed; the available geometries of the screens unless a test says
+    // otherwise.
+    using ScreenAreas = std::function<QList<QRect>()>;
+    void setScreenAreas(ScreenAreas areas);
+
+    int borderWidth() const { return m_borderWidth; }
+    int titleBarHeight() const { return m_titleBarHeight; }
+
+public slots:
+    void show();
+    void showNormal();
+    void maximize();
+    void restore();
+
+private slots:
+    void onMaximizeWindowRequest();
+    void onMinimizeWindowRequest();
+    void onRestoreWindowRequest();
+    void onCloseWindowRequest();
+
+protected:
+    void closeEvent(QCloseEvent* event) override;
+    bool eventFilter(QObject* watched, QEvent* event) override;
+    void changeEvent(QEvent* event) override;
+
+private:
+    enum class Drag { None, Move, Resize };
+
+    void saveGeometry();
+    void showAfterHiding();
+    Qt::Edges edgesAt(const QPoint& localPos) const;
+    bool handleMousePress(QWidget* target, QMouseEvent* event);
+    void dragTo(const QPoint& globalPos);
+
+    int m_borderWidth = 6;
+    int m_titleBarHeight = 64;
+    MainWindow* mainWindow;
+    QVBoxLayout* layout;
+    bool maximized = false;
+    bool shownBefore = false;
+    ScreenAreas screenAreas;
+
+    Drag drag = Drag::None;
+    Qt::Edges dragEdges;
+    QPoint dragStart;
+    QRect dragStartGeometry;
+};
+
+} // namespace Velmora::Gui
