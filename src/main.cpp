@@ -7,6 +7,8 @@
 #include "communication/NamedPipeClient.h"
 #include "communicationweb/TarnAuthorizationService.h"
 #include "download/DownloadManager.h"
+#include "gui/MainWindow.h"
+#include "gui/MainWindowWinFrame.h"
 #include "migration/MigrationController.h"
 #include "performance/PerformanceCheck.h"
 #include "rest/RestClient.h"
@@ -100,6 +102,16 @@ int main(int argc, char* argv[])
     dispatcher->registerHandler(performanceCheck);
     auto* migrationController = new Migration::MigrationController(systemManager, system, app);
     dispatcher->registerHandler(migrationController);
+
+    auto* mainWindow = new Gui::MainWindow(system);
+    auto* frame = new Gui::MainWindowWinFrame(mainWindow);
+    QObject::connect(mainWindow, &Gui::MainWindow::applicationUpdateAvailable, app,
+        qOverload<QString, QVariant>(&Application::Application::showSystemTrayInformationMessage));
+    QObject::connect(app, &Application::Application::showDriveStatusPage, mainWindow, &Gui::MainWindow::showDriveStatusPage);
+    QObject::connect(app, &Application::Application::showMainWindow, frame, &Gui::MainWindowWinFrame::show);
+    QObject::connect(guard, &Application::SingleInstanceGuard::newInstanceDetected, frame, &Gui::MainWindowWinFrame::show);
+    if (!Application::Application::hasMinimizedOption(QCoreApplication::arguments()))
+        frame->show();
 
     pipeClient->connectToServer();
     const int result = Application::Application::exec();
