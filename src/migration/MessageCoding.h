@@ -1,6 +1,7 @@
 #pragma once
 
 #include "application/Logger.h"
+#include "message/Payload.h"
 
 #include <QByteArray>
 #include <QString>
@@ -13,10 +14,8 @@
 // Small conversions between the service's messages and Qt types, shared by the migration classes.
 namespace Velmora::Migration {
 
-inline QString fromUtf8(const std::string& text)
-{
-    return QString::fromUtf8(text.data(), static_cast<int>(text.size()));
-}
+using Velmora::Message::fromUtf8;
+using Velmora::Message::toPayload;
 
 inline std::string toUtf8(const QString& text)
 {
@@ -36,15 +35,6 @@ inline void appendAll(google::protobuf::RepeatedPtrField<std::string>* field, co
 {
     for (const QString& item : items)
         field->Add(toUtf8(item));
-}
-
-template <typename T>
-QByteArray serialized(const T& message)
-{
-    QByteArray bytes;
-    bytes.resize(static_cast<int>(message.ByteSizeLong()));
-    message.SerializeToArray(bytes.data(), bytes.size());
-    return bytes;
 }
 
 // Parses a payload, or logs `failure` at error level and says no.

@@ -222,7 +222,7 @@ void MigrationController::sendCleanDisk()
                                 .arg(drive->id())
                                 .arg(drive->isGpt() ? QStringLiteral("GPT") : QStringLiteral("MBR"))
                                 .arg(static_cast<int>(message.partitionstyle())));
-    emit sendMessage(Message::CleanDisk, serialized(message));
+    emit sendMessage(Message::CleanDisk, toPayload(message));
 }
 
 void MigrationController::sendCreatePartition()
@@ -246,7 +246,7 @@ void MigrationController::sendCreatePartition()
     info->set_gpttype(toUtf8(partition->gptType()));
     info->set_mbrtype(partition->mbrType());
     Logger::info(QString(), QStringLiteral("Send create partition message. Patition:\n%1").arg(partition->toString()));
-    emit sendMessage(Message::PartitionCreate, serialized(message));
+    emit sendMessage(Message::PartitionCreate, toPayload(message));
 }
 
 void MigrationController::sendFormatPartition()
@@ -269,7 +269,7 @@ void MigrationController::sendFormatPartition()
     info->set_label(toUtf8(partition->label()));
     info->set_filesystem(toUtf8(partition->fileSystem()));
     Logger::info(QString(), QStringLiteral("Sending format partition message: Patition:\n%1").arg(partition->toString()));
-    emit sendMessage(Message::PartitionFormat, serialized(message));
+    emit sendMessage(Message::PartitionFormat, toPayload(message));
 }
 
 void MigrationController::sendCopyFiles()
@@ -306,7 +306,7 @@ void MigrationController::sendCopyFiles()
             .arg(createdId)
             .arg(systemPaths.join(QLatin1Char(',')), filteredPaths.join(QLatin1Char(',')),
                 extensions.join(QLatin1Char(','))));
-    emit sendMessage(Message::FileCopyRequest, serialized(message));
+    emit sendMessage(Message::FileCopyRequest, toPayload(message));
 }
 
 void MigrationController::sendBootability()
@@ -320,7 +320,7 @@ void MigrationController::sendBootability()
                                 .arg(message.driveid())
                                 .arg(message.bootpartitionid())
                                 .arg(message.ospartitionid()));
-    emit sendMessage(Message::MigrationBootability, serialized(message));
+    emit sendMessage(Message::MigrationBootability, toPayload(message));
 }
 
 void MigrationController::logQueue(const QString& heading, const QList<int>& ids) const

@@ -66,7 +66,7 @@ void MigrationController::sendFilterSystemPathRequest()
     pb::MigrationFilterSystemPaths message;
     message.set_driveid(static_cast<quint32>(next.first));
     message.set_partitionid(static_cast<quint32>(next.second));
-    emit sendMessage(Message::MigrationFilterSystemPaths, serialized(message));
+    emit sendMessage(Message::MigrationFilterSystemPaths, toPayload(message));
 }
 
 void MigrationController::onSystemPaths(const QByteArray& payload)
@@ -99,7 +99,7 @@ void MigrationController::requestFileList(QString path)
         path.append(QLatin1Char('\\'));
     pb::FileListRequest message;
     message.set_dirpath(toUtf8(path));
-    emit sendMessage(Message::FileListRequest, serialized(message));
+    emit sendMessage(Message::FileListRequest, toPayload(message));
 }
 
 void MigrationController::onFileList(const QByteArray& payload)
@@ -157,14 +157,14 @@ void MigrationController::onRequestFilteredPartitionSize(int partitionId)
     auto* extensions = message.add_filetypes();
     extensions->set_id(2);
     extensions->set_extensions(toUtf8(partition->extensionsFilter()->filteredExtensions().join(QLatin1Char(','))));
-    emit sendMessage(Message::MigrationFilterTypeRequest, serialized(message));
+    emit sendMessage(Message::MigrationFilterTypeRequest, toPayload(message));
 }
 
 void MigrationController::stopRequestFilteredFilesSize()
 {
     pb::FileTypeStructureRequest message;
     message.set_action(pb::FileTypeStructureRequest::Stop);
-    emit sendMessage(Message::MigrationFilterTypeRequest, serialized(message));
+    emit sendMessage(Message::MigrationFilterTypeRequest, toPayload(message));
 }
 
 void MigrationController::onFilteredSize(const QByteArray& payload)

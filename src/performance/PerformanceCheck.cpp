@@ -1,6 +1,7 @@
 #include "performance/PerformanceCheck.h"
 
 #include "application/Logger.h"
+#include "message/Payload.h"
 #include "performance/PerformanceResult.h"
 #include "system/Drive.h"
 #include "system/System.h"
@@ -110,8 +111,7 @@ void PerformanceCheck::abandonTest(TestStatus status)
 
 void PerformanceCheck::runSingleFileTest()
 {
-    const std::string payload = m_request.SerializeAsString();
-    emit sendMessage(Message::DiskBenchmarkRequest, QByteArray(payload.data(), static_cast<int>(payload.size())));
+    emit sendMessage(Message::DiskBenchmarkRequest, Velmora::Message::toPayload(m_request));
     ++m_round;
 }
 

@@ -1,6 +1,7 @@
 #include "smart/SmartManager.h"
 
 #include "application/Logger.h"
+#include "message/Payload.h"
 #include "settings/SettingsManager.h"
 #include "smart/SmartAttribute.h"
 #include "smart/SmartController.h"
@@ -102,9 +103,7 @@ void SmartManager::requestSmartAttribute(int driveId, int attributeId)
 
 void SmartManager::sendRequest()
 {
-    QByteArray payload(int(m_request.ByteSizeLong()), Qt::Uninitialized);
-    m_request.SerializeToArray(payload.data(), payload.size());
-    emit sendMessage(Velmora::Message::Message::SmartRequest, payload);
+    emit sendMessage(Velmora::Message::Message::SmartRequest, Velmora::Message::toPayload(m_request));
 }
 
 void SmartManager::handleMessage(Velmora::Message::Message::MessageType type, QByteArray payload)

@@ -1,6 +1,7 @@
 #include "support/SupportServiceHandler.h"
 
 #include "application/Logger.h"
+#include "message/Payload.h"
 
 #include "CopyLogFiles.pb.h"
 
@@ -23,11 +24,8 @@ void SupportServiceHandler::copyLogFiles(QString destinationDirectory)
 {
     Velmora::Message::CopyLogFilesRequest request;
     request.set_destinationdirectory(destinationDirectory.toStdString());
-    QByteArray payload;
-    payload.resize(static_cast<int>(request.ByteSizeLong()));
-    request.SerializeToArray(payload.data(), payload.size());
     Logger::debug(QString(), QStringLiteral("Sending request to service log file to: %1").arg(destinationDirectory));
-    emit sendMessage(Message::CopyLogFilesRequest, payload);
+    emit sendMessage(Message::CopyLogFilesRequest, Velmora::Message::toPayload(request));
 }
 
 void SupportServiceHandler::handleMessage(Velmora::Message::Message::MessageType type, QByteArray payload)

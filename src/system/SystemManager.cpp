@@ -1,6 +1,7 @@
 #include "system/SystemManager.h"
 
 #include "application/Logger.h"
+#include "message/Payload.h"
 #include "system/Drive.h"
 #include "system/FileCategories.h"
 #include "system/Partition.h"
@@ -17,10 +18,8 @@ namespace pb = Velmora::Message;
 
 namespace {
 
-QString fromUtf8(const std::string& text)
-{
-    return QString::fromUtf8(text.data(), static_cast<int>(text.size()));
-}
+using Velmora::Message::fromUtf8;
+using Velmora::Message::toPayload;
 
 QString toJson(const google::protobuf::Message& message)
 {
@@ -33,15 +32,6 @@ QString toJson(const google::protobuf::Message& message)
     options.preserve_proto_field_names = true;
     google::protobuf::util::MessageToJsonString(message, &json, options);
     return fromUtf8(json);
-}
-
-template <typename T>
-QByteArray serialized(const T& message)
-{
-    QByteArray bytes;
-    bytes.resize(static_cast<int>(message.ByteSizeLong()));
-    message.SerializeToArray(bytes.data(), bytes.size());
-    return bytes;
 }
 
 constexpr int CodeScanGone = 5;
@@ -226,7 +216,7 @@ void SystemManager::sendEnableTrimCommand()
 {
     pb::SystemTrimCommand command;
     command.set_trimenabled(true);
-    emit sendMessage(Message::SystemTrimCommand, serialized(command));
+    emit sendMessage(Message::SystemTrimCommand, toPayload(command));
 }
 
 void SystemManager::sendFileCategoriesAction(
@@ -245,7 +235,7 @@ void SystemManager::sendFileCategoriesAction(
             fileType->set_paths(categoryPaths(category).toUtf8().toStdString());
         }
     }
-    emit sendMessage(Message::FileTypeStructureReq, serialized(request));
+    emit sendMessage(Message::FileTypeStructureReq, toPayload(request));
 }
 
 void SystemManager::sendFileCategoriesStart(int driveId)
