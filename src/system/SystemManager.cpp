@@ -34,9 +34,6 @@ QString toJson(const google::protobuf::Message& message)
     return fromUtf8(json);
 }
 
-constexpr int CodeScanGone = 5;
-constexpr int CodeInProgress = 7;
-
 } // namespace
 
 SystemManager::SystemManager(System* system, QObject* parent)
@@ -260,10 +257,10 @@ void SystemManager::updateFileCategories()
         return;
     FileCategories* categories = drive->fileCategories();
     const int code = m_fileTypeStructure.code();
-    if (code == CodeScanGone) {
+    if (code == pb::NOT_FOUND) {
         categories->clearSizes();
         categories->setStatus(FileCategoryStatus::NotScanned, 0.0);
-    } else if (code == pb::SUCCESS || code == CodeInProgress) {
+    } else if (code == pb::SUCCESS || code == pb::IN_PROGRESS) {
         QMap<int, qint64> sizes;
         for (const auto& info : m_fileTypeStructure.filetypes())
             sizes.insert(static_cast<int>(info.id()), static_cast<qint64>(info.size()));

@@ -70,7 +70,6 @@ private:
     QMap<QTcpSocket*, QByteArray> m_pending;
     QList<Request> m_requests;
     QList<Answer> m_answers;
-    Answer m_lastAnswer;
     Responder m_responder;
     QList<QPair<QTcpSocket*, QByteArray>> m_stalled;
     quint16 m_port = 0;
