@@ -1,0 +1,110 @@
+#include "gui/pages/HomePage.h"
+
+#include "gui/widgets/TitleLabel.h"
+#include "system/Drive.h"
+#include "system/System.h"
+
+#include <QComboBox>
+#include <QLabel>
+#include <QVBoxLayout>
+
+namespace Velmora::Gui {
+
+namespace {
+
+const char* const Stylesheet = R"(
+#HomePage { background-color: rgb(0, 10, 50); }
+#titleLabel { font: 28px "Inter UI Black"; }
+#label_welcome { color: rgb(140, 150, 195); font: 15px "Inter UI"; }
+#label_noDrives { color: rgb(255, 255, 255); font: 15px "Inter UI Semi Bold"; }
+#DriveSelectComboBox {
+    background-color: rgb(0, 2, 63); color: rgb(255, 255, 255); border: 1px solid rgb(0, 36, 94);
+    padding: 0 16px; font: 14px "Inter UI Semi Bold"; min-height: 44px; min-width: 420px;
+}
+#DriveSelectComboBox:hover { background-color: rgb(0, 34, 89); }
+#DriveSelectComboBox QAbstractItemView {
+    background-color: rgb(0, 2, 63); color: rgb(255, 255, 255);
+    selection-background-color: rgb(0, 36, 94); outline: none;
+}
+)";
+
+// The first entry of the list stands for "nothing chosen yet".
+constexpr int PlaceholderData = -1;
+
+} // namespace
+
+HomePage::HomePage(Velmora::System::System* system, QWidget* parent)
+    : Page(parent)
+    , system(system)
+{
+    setObjectName(QStringLiteral("HomePage"));
+    setStyleSheet(QString::fromUtf8(Stylesheet));
+    buildForm();
+
+    DriveSelectComboBox->insertItem(0, tr("CHOOSE YOUR DRIVE"), PlaceholderData);
+    DriveSelectComboBox->setCurrentIndex(0);
+    for (int id : system->driveIds())
+        onDriveAdded(id);
+
+    connect(system, &System::System::driveAdded, this, &HomePage::onDriveAdded);
+    connect(system, &System::System::driveRemoved, this, &HomePage::onDriveRemoved);
+    connect(DriveSelectComboBox, qOverload<int>(&QComboBox::currentIndexChanged), this,
+        &HomePage::on_DriveSelectComboBox_currentIndexChanged);
+}
+
+void HomePage::buildForm()
+{
+    auto* layout = new QVBoxLayout(this);
+    layout->setContentsMargins(48, 48, 48, 48);
+    layout->setSpacing(20);
+    layout->addStretch(2);
+
+    auto* title = new TitleLabel(tr("WELCOME"), this);
+    title->setObjectName(QStringLiteral("titleLabel"));
+    title->setAlignment(Qt::AlignCenter);
+    layout->addWidget(title);
+
+    auto* welcome = new QLabel(tr("SELECT THE DRIVE YOU WANT TO LOOK AFTER."), this);
+    welcome->setObjectName(QStringLiteral("label_welcome"));
+    welcome->setAlignment(Qt::AlignCenter);
+    layout->addWidget(welcome);
+
+    label_noDrives = new QLabel(tr("SEARCHING FOR DRIVES..."), this);
+    label_noDrives->setObjectName(QStringLiteral("label_noDrives"));
+    label_noDrives->setAlignment(Qt::AlignCenter);
+    layout->addWidget(label_noDrives);
+
+    DriveSelectComboBox = new QComboBox(this);
+    DriveSelectComboBox->setObjectName(QStringLiteral("DriveSelectComboBox"));
+    DriveSelectComboBox->hide();
+    layout->addWidget(DriveSelectComboBox, 0, Qt::AlignHCenter);
+    layout->addStretch(3);
+}
+
+void HomePage::onDriveAdded(int driveId)
+{
+    const System::Drive* drive = system->drive(driveId);
+    // Drives behind USB are not looked after; the main window's drive box leaves them out as well.
+    if (drive && !drive->isUsb())
+        DriveSelectComboBox->addItem(drive->displayText(true), driveId);
+    DriveSelectComboBox->show();
+    label_noDrives->hide();
+}
+
+void HomePage::onDriveRemoved(int driveId)
+{
+    const int index = DriveSelectComboBox->findData(driveId);
+    if (index < 0)
+        return;
+    const QSignalBlocker blocker(DriveSelectComboBox);
+    DriveSelectComboBox->removeItem(index);
+}
+
+void HomePage::on_DriveSelectComboBox_currentIndexChanged(int)
+{
+    const int driveId = DriveSelectComboBox->currentData().toInt();
+    if (driveId >= 0)
+        emit changeCurrentDrive(driveId);
+}
+
+} // namespace Velmora::Gui

@@ -1,0 +1,28 @@
+#pragma once
+
+#include <QString>
+
+class QLabel;
+class QWidget;
+
+namespace Velmora::Gui {
+
+// The little lamps of the status pages. A lamp is a label that shows one of four pictures; the
+// pages only decide which.
+namespace StatusLed {
+
+inline const QString Inactive = QStringLiteral(":/icons/LED_inactive");
+inline const QString Good = QStringLiteral(":/icons/LED_good");
+inline const QString Ok = QStringLiteral(":/icons/LED_OK");
+inline const QString Bad = QStringLiteral(":/icons/LED_bad");
+
+// Makes the lamp pictures available; they live in a resource file of the core library that
+// nothing else would pull into the program. Safe to call more than once.
+void initResources();
+
+QLabel* create(const QString& objectName, QWidget* parent);
+void show(QLabel* led, const QString& image);
+
+} // namespace StatusLed
+
+} // namespace Velmora::Gui
