@@ -109,24 +109,25 @@ bool enabled(const QWidget& parent, const char* name)
     return widget && widget->isEnabled();
 }
 
-Gui::GraphicsPieChart* fileTypesChart(const QWidget& page)
+// The chart item inside one of the page's graphics views.
+template <typename Chart>
+Chart* chartIn(const QWidget& page, const char* viewName)
 {
-    const auto* view = child<QGraphicsView>(page, "fileTypesChartView");
-    for (QGraphicsItem* item : view->scene()->items()) {
-        if (auto* chart = qobject_cast<Gui::GraphicsPieChart*>(item->toGraphicsObject()))
+    for (QGraphicsItem* item : child<QGraphicsView>(page, viewName)->scene()->items()) {
+        if (auto* chart = qobject_cast<Chart*>(item->toGraphicsObject()))
             return chart;
     }
     return nullptr;
 }
 
+Gui::GraphicsPieChart* fileTypesChart(const QWidget& page)
+{
+    return chartIn<Gui::GraphicsPieChart>(page, "fileTypesChartView");
+}
+
 Gui::RoundProgressBar* driveSpaceChart(const QWidget& page)
 {
-    const auto* view = child<QGraphicsView>(page, "driveSpaceChartView");
-    for (QGraphicsItem* item : view->scene()->items()) {
-        if (auto* chart = qobject_cast<Gui::RoundProgressBar*>(item->toGraphicsObject()))
-            return chart;
-    }
-    return nullptr;
+    return chartIn<Gui::RoundProgressBar>(page, "driveSpaceChartView");
 }
 
 // The legend rows from top to bottom.
@@ -147,15 +148,6 @@ void finishScan(System::Drive* drive, const QMap<int, qint64>& sizes)
     drive->fileCategories()->setStatus(ScanStatus::Complete, 1.0);
 }
 
-template <typename T>
-QByteArray bytesOf(const T& message)
-{
-    QByteArray bytes;
-    bytes.resize(static_cast<int>(message.ByteSizeLong()));
-    message.SerializeToArray(bytes.data(), bytes.size());
-    return bytes;
-}
-
 // A report of the service about a drive's scan, as the system manager receives it.
 QByteArray scanReport(int driveId, pb::Code code, float progress, bool finished, qint64 videoSize = 0)
 {
@@ -167,7 +159,7 @@ QByteArray scanReport(int driveId, pb::Code code, float progress, bool finished,
     auto* info = report.add_filetypes();
     info->set_id(Category::Video);
     info->set_size(static_cast<quint64>(videoSize));
-    return bytesOf(report);
+    return QByteArray::fromStdString(report.SerializeAsString());
 }
 
 // What the system manager asks of the service, one line per request.

@@ -49,8 +49,10 @@ QGraphicsView { background: transparent; border: none; }
 
 const char* const LegendStylesheet = "QLabel {\n\tfont: 13px \"Inter UI\";\n}";
 
-// Both charts are drawn for a scene of this side.
+// Both charts are drawn for a scene of this side; the view leaves room around it for the
+// outline of the outermost slice.
 constexpr int ChartSide = 250;
+constexpr int ChartMargin = 6;
 constexpr int NameWidth = 150;
 
 QString figureWithPercent(const System::Bytes& size, double percent)
@@ -115,7 +117,7 @@ SSDStatusPage::SSDStatusPage(Velmora::System::System* system, QWidget* parent)
 void SSDStatusPage::buildForm()
 {
     auto* layout = new QVBoxLayout(this);
-    layout->setContentsMargins(32, 24, 32, 24);
+    layout->setContentsMargins(24, 20, 24, 20);
     layout->setSpacing(20);
 
     titleLabel = new TitleLabel(tr("MY SSD"), this);
@@ -123,7 +125,7 @@ void SSDStatusPage::buildForm()
     layout->addWidget(titleLabel);
 
     auto* columns = new QHBoxLayout;
-    columns->setSpacing(24);
+    columns->setSpacing(20);
     columns->addWidget(buildStatusColumn(), 0, Qt::AlignTop);
     columns->addWidget(buildChartsColumn(), 1, Qt::AlignTop);
     layout->addLayout(columns);
@@ -144,7 +146,7 @@ QWidget* SSDStatusPage::buildStatusColumn()
 {
     auto* panel = new QFrame(this);
     panel->setObjectName(QStringLiteral("statusPanel"));
-    panel->setMinimumWidth(380);
+    panel->setMinimumWidth(360);
     auto* layout = new QVBoxLayout(panel);
     layout->setContentsMargins(24, 20, 24, 20);
     layout->setSpacing(8);
@@ -209,7 +211,7 @@ QWidget* SSDStatusPage::buildChartsColumn()
     panel->setObjectName(QStringLiteral("chartsPanel"));
     auto* layout = new QGridLayout(panel);
     layout->setContentsMargins(20, 20, 20, 20);
-    layout->setHorizontalSpacing(16);
+    layout->setHorizontalSpacing(12);
     layout->setVerticalSpacing(12);
 
     driveSpaceChartView = chartView(QStringLiteral("driveSpaceChartView"));
@@ -288,7 +290,7 @@ QGraphicsView* SSDStatusPage::chartView(const QString& objectName)
     auto* view = new QGraphicsView(this);
     view->setObjectName(objectName);
     view->setScene(new QGraphicsScene(0, 0, ChartSide, ChartSide, view));
-    view->setFixedSize(ChartSide, ChartSide);
+    view->setFixedSize(ChartSide + 2 * ChartMargin, ChartSide + 2 * ChartMargin);
     view->setFrameShape(QFrame::NoFrame);
     view->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
     view->setVerticalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
