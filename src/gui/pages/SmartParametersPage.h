@@ -1,0 +1,57 @@
+#pragma once
+
+#include "gui/Page.h"
+
+#include <QMetaObject>
+
+class QLabel;
+
+namespace Velmora::System {
+class System;
+}
+
+namespace Velmora::Smart {
+class SmartController;
+}
+
+namespace Velmora::Gui {
+
+class ParamValueWidget;
+class ProgressBar;
+class TimeGraph;
+
+// "SMART PARAMETERS": what the current drive's SMART controller answers, asked anew on every
+// read-out. The page keeps no figures of its own.
+class SmartParametersPage : public Page
+{
+    Q_OBJECT
+
+public:
+    explicit SmartParametersPage(Velmora::System::System* system, QWidget* parent = nullptr);
+
+protected slots:
+    void connectToCurrentDrive();
+    void reloadData();
+
+private:
+    void buildForm();
+    Velmora::Smart::SmartController* currentController() const;
+    void showWrittenData(Velmora::Smart::SmartController* controller);
+
+    Velmora::System::System* system;
+    QMetaObject::Connection controllerConnection;
+
+    QLabel* titleLabel = nullptr;
+    ProgressBar* life_progressBar = nullptr;
+    ParamValueWidget* life_param = nullptr;
+    ProgressBar* temp_progressBar = nullptr;
+    ParamValueWidget* temp_param = nullptr;
+    ParamValueWidget* powerOnHours_param = nullptr;
+    ParamValueWidget* powerCycles_param = nullptr;
+    ParamValueWidget* avgEraseCount_param = nullptr;
+    ParamValueWidget* maxEraseCount_param = nullptr;
+    TimeGraph* GBWrittenGraph = nullptr;
+    ParamValueWidget* GBWritten_param = nullptr;
+};
+
+} // namespace Velmora::Gui
