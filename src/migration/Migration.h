@@ -1,7 +1,9 @@
 #pragma once
 
+#include "migration/MigrationDestDrive.h"
 #include "migration/MigrationStep.h"
 #include "system/Bytes.h"
+#include "system/Drive.h"
 
 #include <QList>
 #include <QObject>
@@ -10,8 +12,6 @@
 #include <QStringList>
 
 namespace Velmora::System {
-class Drive;
-class MigrationDestDrive;
 class System;
 class SystemManager;
 } // namespace Velmora::System
