@@ -229,10 +229,17 @@ bool MainWindowWinFrame::eventFilter(QObject* watched, QEvent* event)
     if (type != QEvent::MouseButtonPress && type != QEvent::MouseMove && type != QEvent::MouseButtonRelease
         && type != QEvent::MouseButtonDblClick)
         return false;
+    auto* mouse = static_cast<QMouseEvent*>(event);
+    // The window itself sees every move, also over children that don't track the mouse.
+    if (type == QEvent::MouseMove && watched == windowHandle() && drag == Drag::None) {
+        showResizeCursor(mouse->buttons() == Qt::NoButton && !isMaximized()
+                ? edgesAt(mapFromGlobal(mouse->globalPos()))
+                : Qt::Edges());
+        return false;
+    }
     auto* target = qobject_cast<QWidget*>(watched);
     if (!target || target->window() != this)
         return false;
-    auto* mouse = static_cast<QMouseEvent*>(event);
 
     switch (type) {
     case QEvent::MouseButtonPress:
@@ -258,6 +265,25 @@ bool MainWindowWinFrame::eventFilter(QObject* watched, QEvent* event)
         return true;
     }
     }
+}
+
+void MainWindowWinFrame::showResizeCursor(Qt::Edges edges)
+{
+    if (edges == cursorEdges)
+        return;
+    cursorEdges = edges;
+    const bool leading = edges == (Qt::LeftEdge | Qt::TopEdge) || edges == (Qt::RightEdge | Qt::BottomEdge);
+    const bool trailing = edges == (Qt::RightEdge | Qt::TopEdge) || edges == (Qt::LeftEdge | Qt::BottomEdge);
+    if (!edges)
+        unsetCursor();
+    else if (leading)
+        setCursor(Qt::SizeFDiagCursor);
+    else if (trailing)
+        setCursor(Qt::SizeBDiagCursor);
+    else if (edges & (Qt::LeftEdge | Qt::RightEdge))
+        setCursor(Qt::SizeHorCursor);
+    else
+        setCursor(Qt::SizeVerCursor);
 }
 
 bool MainWindowWinFrame::handleMousePress(QWidget* target, QMouseEvent* event)

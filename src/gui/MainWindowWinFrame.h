@@ -61,6 +61,8 @@ private:
     void showAfterHiding();
     Qt::Edges edgesAt(const QPoint& localPos) const;
     bool handleMousePress(QWidget* target, QMouseEvent* event);
+    // Shows which way a press at the border would resize the window.
+    void showResizeCursor(Qt::Edges edges);
     void dragTo(const QPoint& globalPos);
 
     int m_borderWidth = 6;
@@ -73,6 +75,7 @@ private:
 
     Drag drag = Drag::None;
     Qt::Edges dragEdges;
+    Qt::Edges cursorEdges;
     QPoint dragStart;
     QRect dragStartGeometry;
 };
