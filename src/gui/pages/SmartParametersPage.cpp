@@ -168,7 +168,7 @@ void SmartParametersPage::reloadData()
 
     const double temperature = ask(Smart::Temperature, &ok);
     showOnBar(temp_progressBar, ok ? temperature : 0.0);
-    temp_param->setValue(ok ? tr("%1 \u00b0C").arg(wholeNumber(temperature)) : notSupported());
+    temp_param->setValue(ok ? tr("%1 °C").arg(wholeNumber(temperature)) : notSupported());
 
     const QPair<SmartParameter, ParamValueWidget*> counters[] = {
         {Smart::PowerOnHours, powerOnHours_param},
