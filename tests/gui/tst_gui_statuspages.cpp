@@ -7,6 +7,7 @@
 #include "gui/pages/DriveHealthInfoWidget.h"
 #include "gui/pages/HomePage.h"
 #include "gui/pages/SSDStatusPage.h"
+#include "gui/GuiResources.h"
 #include "gui/pages/StatusLed.h"
 #include "gui/widgets/Arc.h"
 #include "gui/widgets/GraphicsPieChart.h"
@@ -233,7 +234,7 @@ private slots:
 void TestGuiStatusPages::initTestCase()
 {
     QVERIFY(Gui::registerApplicationFonts().contains(QStringLiteral("Inter")));
-    Gui::StatusLed::initResources();
+    Gui::initGuiResources();
     qRegisterMetaType<Page::PageId>();
 }
 

@@ -1,13 +1,9 @@
 #include "gui/pages/StatusLed.h"
 
+#include "gui/GuiResources.h"
+
 #include <QLabel>
 #include <QPixmap>
-
-// Q_INIT_RESOURCE may not stand inside a namespace.
-static void initIconResourcesOnce()
-{
-    Q_INIT_RESOURCE(icons);
-}
 
 namespace Velmora::Gui::StatusLed {
 
@@ -15,18 +11,9 @@ namespace {
 constexpr int LedSize = 24;
 }
 
-void initResources()
-{
-    static const bool done = [] {
-        initIconResourcesOnce();
-        return true;
-    }();
-    Q_UNUSED(done)
-}
-
 QLabel* create(const QString& objectName, QWidget* parent)
 {
-    initResources();
+    initGuiResources();
     auto* led = new QLabel(parent);
     led->setObjectName(objectName);
     led->setFixedSize(LedSize, LedSize);

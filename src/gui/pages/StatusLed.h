@@ -16,10 +16,6 @@ inline const QString Good = QStringLiteral(":/icons/LED_good");
 inline const QString Ok = QStringLiteral(":/icons/LED_OK");
 inline const QString Bad = QStringLiteral(":/icons/LED_bad");
 
-// Makes the lamp pictures available; they live in a resource file of the core library that
-// nothing else would pull into the program. Safe to call more than once.
-void initResources();
-
 QLabel* create(const QString& objectName, QWidget* parent);
 void show(QLabel* led, const QString& image);
 

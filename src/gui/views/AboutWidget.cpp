@@ -1,5 +1,7 @@
 #include "gui/views/AboutWidget.h"
 
+#include "gui/GuiResources.h"
+
 #include "application/Logger.h"
 #include "update/ApplicationUpdate.h"
 
@@ -17,14 +19,6 @@
 #include <QTextBrowser>
 #include <QUrl>
 #include <QVBoxLayout>
-
-// Both resource files are compiled into a static library; naming them here keeps them in the
-// program. Q_INIT_RESOURCE may not stand inside a namespace.
-static void initAboutResources()
-{
-    Q_INIT_RESOURCE(licenses);
-    Q_INIT_RESOURCE(tray);
-}
 
 namespace Velmora::Gui {
 
@@ -79,7 +73,7 @@ AboutWidget::AboutWidget(QWidget* parent)
     : QWidget(parent)
     , licenseDir(QStandardPaths::writableLocation(QStandardPaths::AppDataLocation) + QStringLiteral("/licenses/"))
 {
-    initAboutResources();
+    initGuiResources();
     buildForm();
 
     labelAppName->setText(QStringLiteral("Kestravin ") + versionText().replace(QLatin1Char('-'), QLatin1Char(' ')));
