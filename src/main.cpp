@@ -7,6 +7,7 @@
 #include "communication/NamedPipeClient.h"
 #include "communicationweb/TarnAuthorizationService.h"
 #include "download/DownloadManager.h"
+#include "gui/GuiResources.h"
 #include "gui/MainWindow.h"
 #include "gui/MainWindowWinFrame.h"
 #include "migration/MigrationController.h"
@@ -35,7 +36,7 @@ using namespace Velmora;
 // live to the end of the process.
 int main(int argc, char* argv[])
 {
-    Q_INIT_RESOURCE(tray);
+    Gui::initGuiResources();
     auto* app = new Application::Application(argc, argv);
 
     Logger::initialize(Logger::Debug);
@@ -91,19 +92,30 @@ int main(int argc, char* argv[])
     auto* downloadManager = new Download::DownloadManager(network, app);
     auto* supportServiceHandler = new Support::SupportServiceHandler(app);
     dispatcher->registerHandler(supportServiceHandler);
-    new Support::SupportManager(systemManager, smartManager, supportServiceHandler, restClient, authorization, app);
-    new Support::SupportCaptcha(downloadManager, restClient->baseUrl(), app);
+    auto* supportManager = new Support::SupportManager(systemManager, smartManager, supportServiceHandler, restClient,
+        authorization, app);
+    auto* supportCaptcha = new Support::SupportCaptcha(downloadManager, restClient->baseUrl(), app);
     auto* firmwareUpdate = new Update::FirmwareUpdate(system, restClient, authorization, app);
     auto* applicationUpdate = new Update::ApplicationUpdate(restClient, authorization, downloadManager, app);
     new Update::AutomaticUpdateCheck(system, QList<Update::UpdateInterface*>{applicationUpdate, firmwareUpdate}, app);
-    new Ads::AdsManager(restClient, authorization, downloadManager, app);
+    auto* adsManager = new Ads::AdsManager(restClient, authorization, downloadManager, app);
 
     auto* performanceCheck = new Performance::PerformanceCheck(system, app);
     dispatcher->registerHandler(performanceCheck);
     auto* migrationController = new Migration::MigrationController(systemManager, system, app);
     dispatcher->registerHandler(migrationController);
 
-    auto* mainWindow = new Gui::MainWindow(system);
+    Gui::MainWindow::Collaborators collaborators;
+    collaborators.performanceCheck = performanceCheck;
+    collaborators.systemManager = systemManager;
+    collaborators.system = system;
+    collaborators.migrationController = migrationController;
+    collaborators.applicationUpdate = applicationUpdate;
+    collaborators.firmwareUpdate = firmwareUpdate;
+    collaborators.supportManager = supportManager;
+    collaborators.supportCaptcha = supportCaptcha;
+    collaborators.adsManager = adsManager;
+    auto* mainWindow = new Gui::MainWindow(collaborators);
     auto* frame = new Gui::MainWindowWinFrame(mainWindow);
     QObject::connect(mainWindow, &Gui::MainWindow::applicationUpdateAvailable, app,
         qOverload<QString, QVariant>(&Application::Application::showSystemTrayInformationMessage));

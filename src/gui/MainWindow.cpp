@@ -1,8 +1,19 @@
 #include "gui/MainWindow.h"
 
+#include "ads/AdsManager.h"
+#include "gui/GuiResources.h"
 #include "gui/MenuBar.h"
 #include "gui/PagePlaceholder.h"
+#include "gui/pages/FirmwareUpdatePage.h"
+#include "gui/pages/HomePage.h"
+#include "gui/pages/PerformanceCheckPage.h"
+#include "gui/pages/SSDStatusPage.h"
+#include "gui/pages/SmartParametersPage.h"
 #include "gui/TitleBar.h"
+#include "gui/views/AboutWidget.h"
+#include "gui/views/AdWidget.h"
+#include "migration/Migration.h"
+#include "migration/MigrationController.h"
 #include "system/Drive.h"
 #include "system/System.h"
 #include "update/ApplicationUpdate.h"
@@ -10,6 +21,7 @@
 #include <QApplication>
 #include <QComboBox>
 #include <QCursor>
+#include <QFile>
 #include <QHBoxLayout>
 #include <QLabel>
 #include <QPushButton>
@@ -20,29 +32,6 @@
 namespace Velmora::Gui {
 
 namespace {
-
-const char* const Stylesheet = R"(
-#MainWindow { background-color: rgb(0, 0, 26); }
-#header { background-color: rgb(0, 10, 50); }
-#windowTitle { color: rgb(255, 255, 255); font: 18px "Inter UI Black"; }
-#body, #contentScrollArea, #contentStackedWidget { background-color: rgb(0, 2, 40); border: none; }
-#menu { background-color: rgb(0, 36, 94); }
-#homeFooter, #footer { background-color: rgb(0, 0, 26); }
-#minimizeWindow, #resoreWindow, #maximizeWindow, #closeWindow {
-    color: rgb(255, 255, 255); background: transparent; border: none; font-size: 16px;
-}
-#minimizeWindow:hover, #resoreWindow:hover, #maximizeWindow:hover { background-color: rgb(0, 34, 89); }
-#closeWindow:hover { background-color: rgb(200, 30, 50); }
-#currentDrive {
-    background-color: rgb(0, 2, 63); color: rgb(255, 255, 255); border: none;
-    padding: 0 12px; font: 13px "Inter UI Semi Bold"; min-height: 32px;
-}
-#currentDrive:hover { background-color: rgb(0, 34, 89); }
-#currentDrive QAbstractItemView { background-color: rgb(0, 2, 63); color: rgb(255, 255, 255); }
-#label_updateAvailable { color: rgb(127, 149, 190); font: 13px "Inter UI"; }
-#updateAvailableButton { color: rgb(255, 255, 255); background: transparent; border: none; font: 13px "Inter UI Semi Bold"; }
-#updateAvailableButton:hover { background-color: rgb(0, 34, 89); }
-)";
 
 QPushButton* windowButton(const QString& objectName, const QString& glyph, QWidget* parent)
 {
@@ -55,13 +44,18 @@ QPushButton* windowButton(const QString& objectName, const QString& glyph, QWidg
 
 } // namespace
 
-MainWindow::MainWindow(Velmora::System::System* system, QWidget* parent)
+MainWindow::MainWindow(const Collaborators& collaborators, QWidget* parent)
     : QWidget(parent)
-    , system(system)
+    , collaborators(collaborators)
+    , system(collaborators.system)
 {
+    Q_ASSERT(system);
     setObjectName(QStringLiteral("MainWindow"));
     setAttribute(Qt::WA_StyledBackground);
-    setStyleSheet(QString::fromUtf8(Stylesheet));
+    initGuiResources();
+    QFile stylesheet(QStringLiteral(":/style/MainWindowStylesheet"));
+    if (stylesheet.open(QIODevice::ReadOnly))
+        setStyleSheet(QString::fromUtf8(stylesheet.readAll()));
 
     auto* layout = new QVBoxLayout(this);
     layout->setContentsMargins(0, 0, 0, 0);
@@ -99,8 +93,13 @@ MainWindow::MainWindow(Velmora::System::System* system, QWidget* parent)
     connect(system, &System::System::driveRemoved, this, &MainWindow::onDriveRemoved);
     connect(system, &System::System::currentDriveChanged, this, &MainWindow::onCurrentDriveChanged);
 
-    addPage(Page::HomeId, createPage(Page::HomeId));
-    addPage(Page::SsdStatusId, createPage(Page::SsdStatusId));
+    auto* homePage = new HomePage(system);
+    addPage(Page::HomeId, homePage);
+    connect(homePage, &HomePage::changeCurrentDrive, this, &MainWindow::onHomeDriveSelected);
+    auto* statusPage = new SSDStatusPage(system);
+    addPage(Page::SsdStatusId, statusPage);
+    connect(statusPage, &SSDStatusPage::changePageRequest, this, &MainWindow::changePage);
+    connect(statusPage, &SSDStatusPage::changePageRequest, menu, &MenuBar::onSwitchToFirmwareUpdatetPage);
 
     connect(menu, &MenuBar::menuTriggered, this, &MainWindow::changePage);
     menu->hide();
@@ -108,11 +107,30 @@ MainWindow::MainWindow(Velmora::System::System* system, QWidget* parent)
     homeFooter->show();
     updateAvailableButton->hide();
 
+    connect(updateAvailableButton, &QPushButton::clicked, this, &MainWindow::showSettingsPage);
+    connect(updateAvailableButton, &QPushButton::clicked, menu, &MenuBar::onSwitchToSettingsTab);
+    connectCollaborators();
+
     connect(minimizeWindow, &QPushButton::clicked, this, &MainWindow::minimizeWindowRequest);
     connect(maximizeWindow, &QPushButton::clicked, this, &MainWindow::maximizeWindowRequest);
     connect(resoreWindow, &QPushButton::clicked, this, &MainWindow::restoreWindowRequest);
     connect(closeWindow, &QPushButton::clicked, this, &MainWindow::closeWindowRequest);
     setMaximizeButtonVisible(true);
+}
+
+void MainWindow::connectCollaborators()
+{
+    if (collaborators.applicationUpdate) {
+        connect(collaborators.applicationUpdate, &Update::ApplicationUpdate::applicationUpdateStatusChanged, this,
+            &MainWindow::onApplicationUpdateStatusChanged);
+    }
+    if (collaborators.adsManager)
+        connect(collaborators.adsManager, &Ads::AdsManager::newAdAvailable, this, &MainWindow::onAdDisplayRequest);
+    if (Migration::MigrationController* controller = collaborators.migrationController) {
+        connect(controller->migration(), &Migration::Migration::start, this, &MainWindow::onMigrationStarted);
+        connect(controller, &Migration::MigrationController::migrationFinished, this, &MainWindow::onMigrationStopped);
+        connect(controller, &Migration::MigrationController::migrationFailed, this, &MainWindow::onMigrationStopped);
+    }
 }
 
 QWidget* MainWindow::buildHeader()
@@ -161,7 +179,7 @@ void MainWindow::buildFooters(QVBoxLayout* footersLayout)
     currentDrive->setMinimumWidth(320);
     label_updateAvailable = new QLabel(footer);
     label_updateAvailable->setObjectName(QStringLiteral("label_updateAvailable"));
-    updateAvailableButton = new QPushButton(footer);
+    updateAvailableButton = new QPushButton(tr("UPDATE AVAILABLE"), footer);
     updateAvailableButton->setObjectName(QStringLiteral("updateAvailableButton"));
     layout->addWidget(currentDrive);
     layout->addStretch(1);
@@ -173,17 +191,20 @@ void MainWindow::buildFooters(QVBoxLayout* footersLayout)
 Page* MainWindow::createPage(Page::PageId id)
 {
     switch (id) {
-    case Page::HomeId:
-        return new PagePlaceholder(id, tr("HOME"));
-    case Page::SsdStatusId:
     case Page::SmartParametersId:
+        return new SmartParametersPage(system);
     case Page::PerformanceTestId:
+        return collaborators.performanceCheck ? new PerformanceCheckPage(collaborators.performanceCheck) : nullptr;
     case Page::FirmwareUpdateId:
+        return collaborators.firmwareUpdate ? new FirmwareUpdatePage(collaborators.firmwareUpdate, system) : nullptr;
+    // Still to come: until then the menu entries show their caption on an empty page.
     case Page::DataMigrationId:
     case Page::SettingsId:
     case Page::TechnicalSupportId:
         return new PagePlaceholder(id, menu->caption(id));
+    case Page::HomeId:
     case Page::SsdManagementId:
+    case Page::SsdStatusId:
     case Page::AdditionalFeaturesId:
         break;
     }
@@ -259,7 +280,78 @@ void MainWindow::showDriveStatusPage()
 {
     if (migrationRunning)
         return;
+    if (adWidget && adWidget->isVisible())
+        onAdCloseRequest();
+    if (aboutWidget)
+        onAboutAppCloseRequest();
     showDriveSection();
+}
+
+void MainWindow::showSettingsPage()
+{
+    changePage(Page::SettingsId);
+}
+
+void MainWindow::onApplicationUpdateStatusChanged(Update::ApplicationUpdateStatus updatedStatus,
+    QString newestAppVersion)
+{
+    const bool available = updatedStatus == Update::UpdateAvailable;
+    label_updateAvailable->setVisible(!available);
+    updateAvailableButton->setVisible(available);
+    if (available)
+        emit applicationUpdateAvailable(tr("APPLICATION UPDATE AVAILABLE"), newestAppVersion);
+}
+
+void MainWindow::showContentInsteadOf(QWidget* view)
+{
+    view->hide();
+    contentScrollArea->show();
+    if (contentStackedWidget->currentIndex() != pages.value(Page::HomeId))
+        menu->show();
+}
+
+void MainWindow::onAdDisplayRequest(QString filepath, QUrl url)
+{
+    if (!adWidget) {
+        adWidget = new AdWidget(body);
+        connect(adWidget, &AdWidget::closeRequest, this, &MainWindow::onAdCloseRequest);
+        body->layout()->addWidget(adWidget);
+    }
+    if (aboutWidget)
+        onAboutAppCloseRequest();
+    menu->hide();
+    contentScrollArea->hide();
+    adWidget->resize(size());
+    adWidget->showAd(filepath, url);
+    adWidget->show();
+}
+
+void MainWindow::onAdCloseRequest()
+{
+    showContentInsteadOf(adWidget);
+}
+
+void MainWindow::onAboutAppDisplayRequest()
+{
+    if (!aboutWidget) {
+        aboutWidget = new AboutWidget(body);
+        connect(aboutWidget, &AboutWidget::closeRequest, this, &MainWindow::onAboutAppCloseRequest);
+    }
+    if (adWidget && adWidget->isVisible())
+        onAdCloseRequest();
+    static_cast<QBoxLayout*>(body->layout())->addWidget(aboutWidget, 0, Qt::AlignCenter);
+    menu->hide();
+    contentScrollArea->hide();
+    aboutWidget->show();
+}
+
+void MainWindow::onAboutAppCloseRequest()
+{
+    body->layout()->removeWidget(aboutWidget);
+    showContentInsteadOf(aboutWidget);
+    // Built anew on the next request, so that its licence files are copied again.
+    aboutWidget->deleteLater();
+    aboutWidget = nullptr;
 }
 
 void MainWindow::changeCurrentDrive(int driveId)

@@ -1,8 +1,10 @@
 #pragma once
 
 #include "gui/Page.h"
+#include "update/ApplicationUpdate.h"
 
 #include <QMap>
+#include <QUrl>
 #include <QWidget>
 
 class QComboBox;
@@ -12,12 +14,31 @@ class QScrollArea;
 class QStackedWidget;
 class QVBoxLayout;
 
+namespace Velmora::Ads {
+class AdsManager;
+}
+namespace Velmora::Migration {
+class MigrationController;
+}
+namespace Velmora::Performance {
+class PerformanceCheck;
+}
+namespace Velmora::Support {
+class SupportCaptcha;
+class SupportManager;
+}
 namespace Velmora::System {
 class System;
+class SystemManager;
+}
+namespace Velmora::Update {
+class FirmwareUpdate;
 }
 
 namespace Velmora::Gui {
 
+class AboutWidget;
+class AdWidget;
 class MenuBar;
 class TitleBar;
 
@@ -29,7 +50,23 @@ class MainWindow : public QWidget
     Q_OBJECT
 
 public:
-    explicit MainWindow(Velmora::System::System* system, QWidget* parent = nullptr);
+    // What the window and its pages work with. Only the system is required; without one of the
+    // others the window leaves out the page or the notice it would feed (a test may build a
+    // window around drives alone).
+    struct Collaborators
+    {
+        Performance::PerformanceCheck* performanceCheck = nullptr;
+        System::SystemManager* systemManager = nullptr;
+        System::System* system = nullptr;
+        Migration::MigrationController* migrationController = nullptr;
+        Update::ApplicationUpdate* applicationUpdate = nullptr;
+        Update::FirmwareUpdate* firmwareUpdate = nullptr;
+        Support::SupportManager* supportManager = nullptr;
+        Support::SupportCaptcha* supportCaptcha = nullptr;
+        Ads::AdsManager* adsManager = nullptr;
+    };
+
+    explicit MainWindow(const Collaborators& collaborators, QWidget* parent = nullptr);
 
     int headerHeight() const;
     void setMaximizeButtonVisible(bool visible);
@@ -47,6 +84,7 @@ signals:
 public slots:
     void changeCurrentDrive(int driveId);
     void showDriveStatusPage();
+    void onAboutAppDisplayRequest();
 
 private slots:
     void onHomeDriveSelected(int driveId);
@@ -54,7 +92,13 @@ private slots:
     void onDriveAdded(int driveId);
     void onDriveRemoved(int driveId);
     void onCurrentDriveChanged(int driveId);
+    void onAdDisplayRequest(QString filepath, QUrl url);
     void on_currentDrive_currentIndexChanged(int index);
+    void onApplicationUpdateStatusChanged(Velmora::Update::ApplicationUpdateStatus updatedStatus,
+        QString newestAppVersion);
+    void showSettingsPage();
+    void onAdCloseRequest();
+    void onAboutAppCloseRequest();
     void onMigrationStarted();
     void onMigrationStopped();
 
@@ -64,8 +108,13 @@ private:
     Page* createPage(Page::PageId id);
     void addPage(Page::PageId id, Page* page);
     void showDriveSection();
+    void connectCollaborators();
+    void showContentInsteadOf(QWidget* view);
 
-    Velmora::System::System* system;
+    Collaborators collaborators;
+    System::System* system;
+    AdWidget* adWidget = nullptr;
+    AboutWidget* aboutWidget = nullptr;
     QMap<int, int> pages;
     bool migrationRunning = false;
 

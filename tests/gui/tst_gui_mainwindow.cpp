@@ -3,18 +3,34 @@
 #include "support/TestEnvironment.h"
 #include "WidgetShots.h"
 
+#include "ads/AdsManager.h"
+#include "communicationweb/TarnAuthorizationService.h"
+#include "download/DownloadManager.h"
 #include "gui/ApplicationFonts.h"
 #include "gui/MainWindow.h"
 #include "gui/MainWindowWinFrame.h"
 #include "gui/MenuBar.h"
 #include "gui/PagePlaceholder.h"
+#include "gui/pages/HomePage.h"
+#include "gui/views/AboutWidget.h"
+#include "gui/views/AdWidget.h"
+#include "migration/Migration.h"
+#include "migration/MigrationController.h"
+#include "performance/PerformanceCheck.h"
+#include "rest/RestClient.h"
 #include "settings/SettingsManager.h"
 #include "system/Bytes.h"
 #include "system/Drive.h"
 #include "system/System.h"
+#include "system/SystemManager.h"
+#include "update/ApplicationUpdate.h"
+#include "update/FirmwareUpdate.h"
 
 #include <QAbstractButton>
 #include <QComboBox>
+#include <QDir>
+#include <QLabel>
+#include <QPointer>
 #include <QMenu>
 #include <QMouseEvent>
 #include <QPushButton>
@@ -35,6 +51,13 @@ System::Drive* makeDrive(int id, const QString& model, const QString& type, qint
         System::Bytes(capacity), 4, 4, true, type);
 }
 
+Gui::MainWindow::Collaborators collaboratorsOf(System::System* system)
+{
+    Gui::MainWindow::Collaborators collaborators;
+    collaborators.system = system;
+    return collaborators;
+}
+
 QStringList comboTexts(const QComboBox* combo)
 {
     QStringList texts;
@@ -48,7 +71,16 @@ QString currentPageCaption(const Gui::MainWindow& window)
 {
     const auto* stack = window.findChild<QStackedWidget*>(QStringLiteral("contentStackedWidget"));
     const auto* placeholder = qobject_cast<const Gui::PagePlaceholder*>(stack->currentWidget());
-    return placeholder ? placeholder->caption() : QString();
+    if (placeholder)
+        return placeholder->caption();
+    const auto* title = stack->currentWidget()->findChild<QLabel*>(QStringLiteral("titleLabel"));
+    return title ? title->text() : QString();
+}
+
+bool onHomePage(const Gui::MainWindow& window)
+{
+    const auto* stack = window.findChild<QStackedWidget*>(QStringLiteral("contentStackedWidget"));
+    return qobject_cast<const Gui::HomePage*>(stack->currentWidget()) != nullptr;
 }
 
 // A mouse event as the platform would deliver it to the widget under the point (frame coordinates).
@@ -71,6 +103,42 @@ QRect savedGeometry()
 bool savedMaximized()
 {
     return Settings::SettingsManager::value(QStringLiteral("MainWindow"), QStringLiteral("isMaximized"), false).toBool();
+}
+
+// The program's collaborators around one system, as main() makes them, but pointed at a back-end
+// address where nothing listens and with the first advertisement check an hour away: the window
+// only needs their signals.
+struct ProgramParts
+{
+    System::System system;
+    System::SystemManager systemManager { &system };
+    Performance::PerformanceCheck performanceCheck { &system };
+    Migration::MigrationController migrationController { &systemManager, &system };
+    REST::RestClient restClient { QUrl(QStringLiteral("https://127.0.0.1:9/kestravin/public/api/")) };
+    CommunicationWeb::TarnAuthorizationService authorization { &restClient };
+    Download::DownloadManager downloads;
+    Update::ApplicationUpdate applicationUpdate { &restClient, &authorization, &downloads };
+    Update::FirmwareUpdate firmwareUpdate { &system, &restClient, &authorization };
+    Ads::AdsManager adsManager { &restClient, &authorization, &downloads, nullptr, 3600 * 1000 };
+
+    Gui::MainWindow::Collaborators collaborators()
+    {
+        Gui::MainWindow::Collaborators all;
+        all.performanceCheck = &performanceCheck;
+        all.systemManager = &systemManager;
+        all.system = &system;
+        all.migrationController = &migrationController;
+        all.applicationUpdate = &applicationUpdate;
+        all.firmwareUpdate = &firmwareUpdate;
+        all.adsManager = &adsManager;
+        return all;
+    }
+};
+
+template <typename T>
+T* child(const QWidget& parent, const char* name)
+{
+    return parent.findChild<T*>(QString::fromLatin1(name));
 }
 
 } // namespace
@@ -104,6 +172,17 @@ private slots:
     void windowButtons();
     void dragWithoutWindowManager_data();
     void dragWithoutWindowManager();
+
+    void borderShowsResizeCursor_data();
+    void borderShowsResizeCursor();
+    void updateNotice_data();
+    void updateNotice();
+    void updateButtonLeadsToSettings();
+    void migrationLocksNavigation_data();
+    void migrationLocksNavigation();
+    void advertisementTakesTheBody_data();
+    void advertisementTakesTheBody();
+    void aboutViewIsBuiltAnewEachTime();
 
     void screenshot();
 };
@@ -184,21 +263,26 @@ void TestGuiMainWindow::menuSwitchesWithoutSignal()
 
 void TestGuiMainWindow::pagesAreCreatedOnFirstShowOnly()
 {
-    System::System system;
-    Gui::MainWindow window(&system);
+    ProgramParts parts;
+    Gui::MainWindow window(parts.collaborators());
     auto* stack = window.findChild<QStackedWidget*>(QStringLiteral("contentStackedWidget"));
     auto* menu = window.findChild<Gui::MenuBar*>(QStringLiteral("menu"));
     QCOMPARE(stack->count(), 2);
-    QCOMPARE(currentPageCaption(window), QStringLiteral("HOME"));
+    QVERIFY(onHomePage(window));
 
     const QList<Page::PageId> lazy { Page::SmartParametersId, Page::PerformanceTestId, Page::FirmwareUpdateId,
         Page::DataMigrationId, Page::SettingsId, Page::TechnicalSupportId };
+    const QMap<Page::PageId, QString> titles { { Page::SmartParametersId, QStringLiteral("SMART PARAMETERS") },
+        { Page::PerformanceTestId, QStringLiteral("PERFORMANCE CHECK") },
+        { Page::FirmwareUpdateId, QStringLiteral("FIRMWARE UPDATE") },
+        { Page::DataMigrationId, QStringLiteral("DATA MIGRATION") }, { Page::SettingsId, QStringLiteral("SETTINGS") },
+        { Page::TechnicalSupportId, QStringLiteral("TECHNICAL SUPPORT") } };
     QMap<Page::PageId, QWidget*> made;
     for (Page::PageId id : lazy) {
         const int before = stack->count();
         menu->button(id)->click();
         QCOMPARE(stack->count(), before + 1);
-        QCOMPARE(currentPageCaption(window), menu->caption(id));
+        QCOMPARE(currentPageCaption(window), titles.value(id));
         made.insert(id, stack->currentWidget());
         QCOMPARE(stack->currentWidget()->sizePolicy().horizontalPolicy(), QSizePolicy::Expanding);
         QCOMPARE(stack->widget(0)->sizePolicy().horizontalPolicy(), QSizePolicy::Ignored);
@@ -216,7 +300,7 @@ void TestGuiMainWindow::pagesAreCreatedOnFirstShowOnly()
 void TestGuiMainWindow::groupIdsShowTheHomePage()
 {
     System::System system;
-    Gui::MainWindow window(&system);
+    Gui::MainWindow window(collaboratorsOf(&system));
     auto* stack = window.findChild<QStackedWidget*>(QStringLiteral("contentStackedWidget"));
     auto* menu = window.findChild<Gui::MenuBar*>(QStringLiteral("menu"));
     menu->button(Page::SettingsId)->click();
@@ -226,7 +310,7 @@ void TestGuiMainWindow::groupIdsShowTheHomePage()
         menu->button(Page::SettingsId)->click();
         QVERIFY(QMetaObject::invokeMethod(&window, "changePage", Q_ARG(Velmora::Gui::Page::PageId, group)));
         QCOMPARE(stack->currentIndex(), 0);
-        QCOMPARE(currentPageCaption(window), QStringLiteral("HOME"));
+        QVERIFY(onHomePage(window));
     }
     QCOMPARE(stack->count(), 3);
 }
@@ -235,7 +319,7 @@ void TestGuiMainWindow::driveStatusPageShowsTheDriveSection()
 {
     System::System system;
     system.addDrive(makeDrive(1, QStringLiteral("KV ONE"), QStringLiteral("SATA")));
-    Gui::MainWindow window(&system);
+    Gui::MainWindow window(collaboratorsOf(&system));
     window.show();
     auto* menu = window.findChild<Gui::MenuBar*>(QStringLiteral("menu"));
     auto* footer = window.findChild<QWidget*>(QStringLiteral("footer"));
@@ -244,14 +328,6 @@ void TestGuiMainWindow::driveStatusPageShowsTheDriveSection()
     QVERIFY(!footer->isVisible());
     QVERIFY(homeFooter->isVisible());
 
-    // While data is being moved to another drive, the tray may not pull the user away.
-    QVERIFY(QMetaObject::invokeMethod(&window, "onMigrationStarted"));
-    window.showDriveStatusPage();
-    QVERIFY(!menu->isVisible());
-    QCOMPARE(currentPageCaption(window), QStringLiteral("HOME"));
-    QVERIFY(!window.findChild<QComboBox*>(QStringLiteral("currentDrive"))->isEnabled());
-
-    QVERIFY(QMetaObject::invokeMethod(&window, "onMigrationStopped"));
     window.showDriveStatusPage();
     QVERIFY(menu->isVisible());
     QVERIFY(footer->isVisible());
@@ -293,7 +369,7 @@ void TestGuiMainWindow::driveComboLeavesOutUsbDrives()
     int id = 0;
     for (const QString& type : typesBefore)
         ++id, system.addDrive(makeDrive(id, QStringLiteral("DRIVE %1").arg(id), type, id * 128 * GiB));
-    Gui::MainWindow window(&system);
+    Gui::MainWindow window(collaboratorsOf(&system));
     for (const QString& type : typesAfter)
         ++id, system.addDrive(makeDrive(id, QStringLiteral("DRIVE %1").arg(id), type, id * 128 * GiB));
 
@@ -319,7 +395,7 @@ void TestGuiMainWindow::driveComboFollowsRemovals()
     System::System system;
     system.addDrive(makeDrive(1, QStringLiteral("ONE"), QStringLiteral("SATA")));
     system.addDrive(makeDrive(2, QStringLiteral("TWO"), QStringLiteral("USB")));
-    Gui::MainWindow window(&system);
+    Gui::MainWindow window(collaboratorsOf(&system));
     system.addDrive(makeDrive(3, QStringLiteral("THREE"), QStringLiteral("NVMe")));
     system.addDrive(makeDrive(4, QStringLiteral("FOUR"), QStringLiteral("SATA")));
     auto* combo = window.findChild<QComboBox*>(QStringLiteral("currentDrive"));
@@ -352,7 +428,7 @@ void TestGuiMainWindow::driveComboAndCurrentDriveAgree()
     System::System system;
     for (int id = 1; id <= 3; ++id)
         system.addDrive(makeDrive(id, QStringLiteral("D%1").arg(id), QStringLiteral("SATA")));
-    Gui::MainWindow window(&system);
+    Gui::MainWindow window(collaboratorsOf(&system));
     auto* combo = window.findChild<QComboBox*>(QStringLiteral("currentDrive"));
     QSignalSpy changed(&system, &System::System::currentDriveChanged);
 
@@ -393,7 +469,7 @@ void TestGuiMainWindow::firstShowPlacesTheWindow()
     Settings::SettingsManager::setValue(QStringLiteral("MainWindow"), QStringLiteral("isMaximized"), savedMaximized);
 
     System::System system;
-    auto* window = new Gui::MainWindow(&system);
+    auto* window = new Gui::MainWindow(collaboratorsOf(&system));
     Gui::MainWindowWinFrame frame(window);
     frame.setScreenAreas([] { return QList<QRect> { Desktop }; });
     QCOMPARE(frame.minimumSize(), QSize(900, 600));
@@ -415,7 +491,7 @@ void TestGuiMainWindow::firstShowPlacesTheWindow()
 void TestGuiMainWindow::closeHidesAndKeepsGeometry()
 {
     System::System system;
-    auto* window = new Gui::MainWindow(&system);
+    auto* window = new Gui::MainWindow(collaboratorsOf(&system));
     Gui::MainWindowWinFrame frame(window);
     frame.setScreenAreas([] { return QList<QRect> { Desktop }; });
     frame.show();
@@ -439,7 +515,7 @@ void TestGuiMainWindow::closeHidesAndKeepsGeometry()
     QCOMPARE(savedGeometry(), QRect(320, 160, 1000, 700));
 
     // A new window starts where the last one was left.
-    auto* second = new Gui::MainWindow(&system);
+    auto* second = new Gui::MainWindow(collaboratorsOf(&system));
     Gui::MainWindowWinFrame next(second);
     next.setScreenAreas([] { return QList<QRect> { Desktop }; });
     next.show();
@@ -449,7 +525,7 @@ void TestGuiMainWindow::closeHidesAndKeepsGeometry()
 void TestGuiMainWindow::maximizedWindowReturnsMaximized()
 {
     System::System system;
-    auto* window = new Gui::MainWindow(&system);
+    auto* window = new Gui::MainWindow(collaboratorsOf(&system));
     Gui::MainWindowWinFrame frame(window);
     frame.setScreenAreas([] { return QList<QRect> { Desktop }; });
     frame.show();
@@ -470,7 +546,7 @@ void TestGuiMainWindow::maximizedWindowReturnsMaximized()
 void TestGuiMainWindow::windowButtons()
 {
     System::System system;
-    auto* window = new Gui::MainWindow(&system);
+    auto* window = new Gui::MainWindow(collaboratorsOf(&system));
     Gui::MainWindowWinFrame frame(window);
     frame.setScreenAreas([] { return QList<QRect> { Desktop }; });
     frame.show();
@@ -516,7 +592,7 @@ void TestGuiMainWindow::dragWithoutWindowManager()
     QFETCH(QRect, expected);
 
     System::System system;
-    auto* window = new Gui::MainWindow(&system);
+    auto* window = new Gui::MainWindow(collaboratorsOf(&system));
     Gui::MainWindowWinFrame frame(window);
     frame.setScreenAreas([] { return QList<QRect> { Desktop }; });
     frame.show();
@@ -540,12 +616,215 @@ void TestGuiMainWindow::dragWithoutWindowManager()
     QCOMPARE(frame.geometry(), expected);
 }
 
+void TestGuiMainWindow::borderShowsResizeCursor_data()
+{
+    QTest::addColumn<QPoint>("point");
+    QTest::addColumn<int>("shape");
+    QTest::newRow("top left corner") << QPoint(2, 3) << int(Qt::SizeFDiagCursor);
+    QTest::newRow("bottom right corner") << QPoint(1277, 1020) << int(Qt::SizeFDiagCursor);
+    QTest::newRow("top right corner") << QPoint(1275, 0) << int(Qt::SizeBDiagCursor);
+    QTest::newRow("bottom left corner") << QPoint(5, 1018) << int(Qt::SizeBDiagCursor);
+    QTest::newRow("left edge") << QPoint(5, 500) << int(Qt::SizeHorCursor);
+    QTest::newRow("right edge") << QPoint(1274, 500) << int(Qt::SizeHorCursor);
+    QTest::newRow("top edge over the title") << QPoint(600, 1) << int(Qt::SizeVerCursor);
+    QTest::newRow("bottom edge") << QPoint(600, 1023) << int(Qt::SizeVerCursor);
+    QTest::newRow("inside, by the border") << QPoint(6, 500) << int(Qt::ArrowCursor);
+    QTest::newRow("middle") << QPoint(600, 500) << int(Qt::ArrowCursor);
+}
+
+void TestGuiMainWindow::borderShowsResizeCursor()
+{
+    QFETCH(QPoint, point);
+    QFETCH(int, shape);
+    System::System system;
+    auto* window = new Gui::MainWindow(collaboratorsOf(&system));
+    Gui::MainWindowWinFrame frame(window);
+    frame.setScreenAreas([] { return QList<QRect> { Desktop }; });
+    frame.show();
+    QCOMPARE(frame.size(), QSize(1280, 1024));
+
+    auto moveTo = [&frame](const QPoint& local) {
+        const QPoint global = frame.mapToGlobal(local);
+        QMouseEvent move(QEvent::MouseMove, local, local, global, Qt::NoButton, Qt::NoButton, Qt::NoModifier);
+        QApplication::sendEvent(frame.windowHandle(), &move);
+    };
+    moveTo(point);
+    QCOMPARE(int(frame.cursor().shape()), shape);
+
+    // Back inside, the arrow returns; a zoomed window can't be resized by its border.
+    moveTo(QPoint(600, 500));
+    QCOMPARE(int(frame.cursor().shape()), int(Qt::ArrowCursor));
+    frame.maximize();
+    moveTo(point);
+    QCOMPARE(int(frame.cursor().shape()), int(Qt::ArrowCursor));
+}
+
+void TestGuiMainWindow::updateNotice_data()
+{
+    QTest::addColumn<int>("status");
+    QTest::addColumn<bool>("buttonShown");
+    QTest::newRow("available") << int(Update::UpdateAvailable) << true;
+    QTest::newRow("up to date") << int(Update::UpToDate) << false;
+    QTest::newRow("check failed") << int(Update::CheckFailed) << false;
+}
+
+void TestGuiMainWindow::updateNotice()
+{
+    QFETCH(int, status);
+    QFETCH(bool, buttonShown);
+    ProgramParts parts;
+    Gui::MainWindow window(parts.collaborators());
+    QSignalSpy announced(&window, &Gui::MainWindow::applicationUpdateAvailable);
+    QVERIFY(child<QPushButton>(window, "updateAvailableButton")->isHidden());
+
+    emit parts.applicationUpdate.applicationUpdateStatusChanged(Update::ApplicationUpdateStatus(status),
+        QStringLiteral("1.2.0"));
+
+    QCOMPARE(!child<QPushButton>(window, "updateAvailableButton")->isHidden(), buttonShown);
+    QCOMPARE(!child<QLabel>(window, "label_updateAvailable")->isHidden(), !buttonShown);
+    if (buttonShown) {
+        QCOMPARE(announced.count(), 1);
+        QCOMPARE(announced.at(0).at(0).toString(), QStringLiteral("APPLICATION UPDATE AVAILABLE"));
+        QCOMPARE(announced.at(0).at(1).toString(), QStringLiteral("1.2.0"));
+    } else {
+        QCOMPARE(announced.count(), 0);
+    }
+}
+
+void TestGuiMainWindow::updateButtonLeadsToSettings()
+{
+    ProgramParts parts;
+    Gui::MainWindow window(parts.collaborators());
+    auto* menu = child<Gui::MenuBar>(window, "menu");
+    QSignalSpy triggered(menu, &Gui::MenuBar::menuTriggered);
+    emit parts.applicationUpdate.applicationUpdateStatusChanged(Update::UpdateAvailable, QStringLiteral("1.2.0"));
+
+    child<QPushButton>(window, "updateAvailableButton")->click();
+
+    QCOMPARE(currentPageCaption(window), QStringLiteral("SETTINGS"));
+    QVERIFY(menu->button(Page::SettingsId)->isChecked());
+    QCOMPARE(triggered.count(), 0);
+}
+
+void TestGuiMainWindow::migrationLocksNavigation_data()
+{
+    QTest::addColumn<bool>("failed");
+    QTest::newRow("finished") << false;
+    QTest::newRow("failed") << true;
+}
+
+void TestGuiMainWindow::migrationLocksNavigation()
+{
+    QFETCH(bool, failed);
+    ProgramParts parts;
+    parts.system.addDrive(makeDrive(1, QStringLiteral("KV PRIME 1TB"), QStringLiteral("NVMe")));
+    Gui::MainWindow window(parts.collaborators());
+    auto* stack = child<QStackedWidget>(window, "contentStackedWidget");
+    const QList<QWidget*> locked { child<QWidget>(window, "menu"), child<QWidget>(window, "currentDrive"),
+        child<QWidget>(window, "updateAvailableButton") };
+
+    emit parts.migrationController.migration()->start();
+    for (QWidget* widget : locked)
+        QVERIFY2(!widget->isEnabled(), qPrintable(widget->objectName()));
+    // The tray's request to see the drive status waits for the end of the migration.
+    window.showDriveStatusPage();
+    QCOMPARE(stack->currentIndex(), 0);
+    QVERIFY(child<QWidget>(window, "menu")->isHidden());
+
+    if (failed)
+        emit parts.migrationController.migrationFailed(QStringLiteral("COPY FAILED"));
+    else
+        emit parts.migrationController.migrationFinished();
+    for (QWidget* widget : locked)
+        QVERIFY2(widget->isEnabled(), qPrintable(widget->objectName()));
+    window.showDriveStatusPage();
+    QCOMPARE(stack->currentIndex(), 1);
+    QVERIFY(!child<QWidget>(window, "menu")->isHidden());
+}
+
+void TestGuiMainWindow::advertisementTakesTheBody_data()
+{
+    QTest::addColumn<bool>("onDrivePage");
+    QTest::newRow("over the home page") << false;
+    QTest::newRow("over a drive page") << true;
+}
+
+void TestGuiMainWindow::advertisementTakesTheBody()
+{
+    QFETCH(bool, onDrivePage);
+    ProgramParts parts;
+    parts.system.addDrive(makeDrive(1, QStringLiteral("KV PRIME 1TB"), QStringLiteral("NVMe")));
+    auto* window = new Gui::MainWindow(parts.collaborators());
+    Gui::MainWindowWinFrame frame(window);
+    frame.setScreenAreas([] { return QList<QRect> { Desktop }; });
+    frame.show();
+    if (onDrivePage)
+        window->showDriveStatusPage();
+
+    QImage picture(400, 200, QImage::Format_RGB32);
+    picture.fill(QColor(200, 40, 120));
+    const QString file = QDir::temp().filePath(QStringLiteral("ad.png"));
+    QVERIFY(picture.save(file));
+    emit parts.adsManager.newAdAvailable(file, QUrl(QStringLiteral("https://example.org/offer")));
+
+    auto* ad = window->findChild<Gui::AdWidget*>();
+    QVERIFY(ad);
+    QVERIFY(ad->isVisible());
+    QVERIFY(!child<QWidget>(*window, "contentScrollArea")->isVisible());
+    QVERIFY(!child<QWidget>(*window, "menu")->isVisible());
+
+    child<QPushButton>(*ad, "pushButtonClose")->click();
+    QVERIFY(!ad->isVisible());
+    QVERIFY(child<QWidget>(*window, "contentScrollArea")->isVisible());
+    QCOMPARE(child<QWidget>(*window, "menu")->isVisible(), onDrivePage);
+
+    // The tray's request for the drive status closes a second advertisement.
+    emit parts.adsManager.newAdAvailable(file, QUrl(QStringLiteral("https://example.org/offer")));
+    QCOMPARE(window->findChildren<Gui::AdWidget*>().size(), 1);
+    QVERIFY(ad->isVisible());
+    window->showDriveStatusPage();
+    QVERIFY(!ad->isVisible());
+    QVERIFY(child<QWidget>(*window, "menu")->isVisible());
+}
+
+void TestGuiMainWindow::aboutViewIsBuiltAnewEachTime()
+{
+    ProgramParts parts;
+    auto* window = new Gui::MainWindow(parts.collaborators());
+    Gui::MainWindowWinFrame frame(window);
+    frame.setScreenAreas([] { return QList<QRect> { Desktop }; });
+    frame.show();
+
+    QImage picture(40, 20, QImage::Format_RGB32);
+    picture.fill(Qt::red);
+    const QString file = QDir::temp().filePath(QStringLiteral("ad.png"));
+    QVERIFY(picture.save(file));
+    emit parts.adsManager.newAdAvailable(file, QUrl(QStringLiteral("https://example.org/")));
+
+    window->onAboutAppDisplayRequest();
+    QPointer<Gui::AboutWidget> about = window->findChild<Gui::AboutWidget*>();
+    QVERIFY(about);
+    QVERIFY(about->isVisible());
+    QVERIFY(!window->findChild<Gui::AdWidget*>()->isVisible());
+    QVERIFY(!child<QWidget>(*window, "contentScrollArea")->isVisible());
+
+    emit about->closeRequest();
+    QVERIFY(child<QWidget>(*window, "contentScrollArea")->isVisible());
+    QVERIFY(!child<QWidget>(*window, "menu")->isVisible());
+    QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+    QVERIFY(about.isNull());
+
+    window->onAboutAppDisplayRequest();
+    QVERIFY(window->findChild<Gui::AboutWidget*>());
+    QVERIFY(window->findChild<Gui::AboutWidget*>()->isVisible());
+}
+
 void TestGuiMainWindow::screenshot()
 {
     System::System system;
     system.addDrive(makeDrive(1, QStringLiteral("KV PRIME 1TB"), QStringLiteral("NVMe"), 1024 * GiB));
     system.addDrive(makeDrive(2, QStringLiteral("KV CARD"), QStringLiteral("USB")));
-    auto* window = new Gui::MainWindow(&system);
+    auto* window = new Gui::MainWindow(collaboratorsOf(&system));
     Gui::MainWindowWinFrame frame(window);
     frame.setScreenAreas([] { return QList<QRect> { Desktop }; });
     frame.show();
