@@ -113,15 +113,7 @@ void SSDStatusPage::updateDriveInformation()
     pvWidget_usedStorage->setValue(figureWithPercent(drive->used(), shareOf(drive->used(), drive->capacity())));
     pvWidget_freeStorage->setValue(figureWithPercent(drive->free(), shareOf(drive->free(), drive->capacity())));
 
-    button_driveStatusActionNeeded->hide();
-    button_driveStatusOk->hide();
-    button_frimwareStatusDetails->hide();
-    for (QLabel* label : {label_driveStatusActionNeeded, label_driveStatusOk, label_driveStatusGood,
-             label_firmwareStatusActionNeeded, label_firmwareStatusGood})
-        label->setEnabled(false);
-    for (QLabel* led : {led_driveStatusActionNeeded, led_driveStatusOk, led_driveStatusGood,
-             led_firmwareStatusActionNeeded, led_firmwareStatusGood})
-        StatusLed::show(led, StatusLed::Inactive);
+    resetStatusGroups();
 
     const System::DriveHealthStatus* health = drive->healthStatus();
     showDriveStatus(health->overallSeverity());
@@ -159,6 +151,19 @@ void SSDStatusPage::showFirmwareStatus(int severity)
     StatusLed::show(led_firmwareStatusActionNeeded, StatusLed::Bad);
     label_firmwareStatusActionNeeded->setEnabled(true);
     button_frimwareStatusDetails->show();
+}
+
+void SSDStatusPage::resetStatusGroups()
+{
+    button_driveStatusActionNeeded->hide();
+    button_driveStatusOk->hide();
+    button_frimwareStatusDetails->hide();
+    for (QLabel* label : {label_driveStatusActionNeeded, label_driveStatusOk, label_driveStatusGood,
+             label_firmwareStatusActionNeeded, label_firmwareStatusGood})
+        label->setEnabled(false);
+    for (QLabel* led : {led_driveStatusActionNeeded, led_driveStatusOk, led_driveStatusGood,
+             led_firmwareStatusActionNeeded, led_firmwareStatusGood})
+        StatusLed::show(led, StatusLed::Inactive);
 }
 
 void SSDStatusPage::refreshSystemStatus()

@@ -48,6 +48,8 @@ private slots:
 
 private:
     void buildForm();
+    // Every lamp dark, every caption dimmed, no DETAILS: the state before a drive's figures apply.
+    void resetStatusGroups();
     QWidget* buildStatusColumn();
     QWidget* buildChartsColumn();
     QHBoxLayout* ledRow(QLabel* led, QLabel* label, QPushButton* button = nullptr);

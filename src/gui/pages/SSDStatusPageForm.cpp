@@ -92,15 +92,7 @@ void SSDStatusPage::buildForm()
     layout->addLayout(columns);
     layout->addStretch(1);
 
-    button_driveStatusActionNeeded->hide();
-    button_driveStatusOk->hide();
-    button_frimwareStatusDetails->hide();
-    for (QLabel* label : {label_driveStatusActionNeeded, label_driveStatusOk, label_driveStatusGood,
-             label_firmwareStatusActionNeeded, label_firmwareStatusGood})
-        label->setEnabled(false);
-    for (QLabel* led : {led_driveStatusActionNeeded, led_driveStatusOk, led_driveStatusGood,
-             led_firmwareStatusActionNeeded, led_firmwareStatusGood})
-        StatusLed::show(led, StatusLed::Inactive);
+    resetStatusGroups();
 }
 
 QWidget* SSDStatusPage::buildStatusColumn()
