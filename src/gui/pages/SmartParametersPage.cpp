@@ -73,6 +73,20 @@ SmartParametersPage::SmartParametersPage(Velmora::System::System* system, QWidge
         connectToCurrentDrive();
 }
 
+QFrame* SmartParametersPage::barPanel(const QString& name, const QString& caption, ParamValueWidget** row,
+    ProgressBar** bar)
+{
+    QFrame* panel = PageStyle::panel(name + QStringLiteral("Panel"), this);
+    *row = paramRow(name + QStringLiteral("_param"), caption, panel);
+    *bar = segmentBar(name + QStringLiteral("_progressBar"), panel);
+    auto* layout = new QVBoxLayout(panel);
+    layout->setContentsMargins(24, 20, 24, 24);
+    layout->setSpacing(16);
+    layout->addWidget(*row);
+    layout->addWidget(*bar);
+    return panel;
+}
+
 void SmartParametersPage::buildForm()
 {
     setObjectName(QStringLiteral("SmartParametersPage"));
@@ -81,23 +95,8 @@ void SmartParametersPage::buildForm()
     titleLabel = new TitleLabel(tr("SMART PARAMETERS"), this);
     titleLabel->setObjectName(QStringLiteral("titleLabel"));
 
-    QFrame* lifePanel = PageStyle::panel(QStringLiteral("lifePanel"), this);
-    life_param = paramRow(QStringLiteral("life_param"), tr("LIFE REMAINING:"), lifePanel);
-    life_progressBar = segmentBar(QStringLiteral("life_progressBar"), lifePanel);
-    auto* lifeLayout = new QVBoxLayout(lifePanel);
-    lifeLayout->setContentsMargins(24, 20, 24, 24);
-    lifeLayout->setSpacing(16);
-    lifeLayout->addWidget(life_param);
-    lifeLayout->addWidget(life_progressBar);
-
-    QFrame* tempPanel = PageStyle::panel(QStringLiteral("tempPanel"), this);
-    temp_param = paramRow(QStringLiteral("temp_param"), tr("TEMPERATURE:"), tempPanel);
-    temp_progressBar = segmentBar(QStringLiteral("temp_progressBar"), tempPanel);
-    auto* tempLayout = new QVBoxLayout(tempPanel);
-    tempLayout->setContentsMargins(24, 20, 24, 24);
-    tempLayout->setSpacing(16);
-    tempLayout->addWidget(temp_param);
-    tempLayout->addWidget(temp_progressBar);
+    QFrame* lifePanel = barPanel(QStringLiteral("life"), tr("LIFE REMAINING:"), &life_param, &life_progressBar);
+    QFrame* tempPanel = barPanel(QStringLiteral("temp"), tr("TEMPERATURE:"), &temp_param, &temp_progressBar);
 
     auto* barsLayout = new QHBoxLayout;
     barsLayout->setSpacing(24);

@@ -4,6 +4,7 @@
 
 #include <QMetaObject>
 
+class QFrame;
 class QLabel;
 
 namespace Velmora::System {
@@ -35,6 +36,8 @@ protected slots:
 
 private:
     void buildForm();
+    // A panel with a caption row over a bar: the objects "<name>_param" and "<name>_progressBar".
+    QFrame* barPanel(const QString& name, const QString& caption, ParamValueWidget** row, ProgressBar** bar);
     Velmora::Smart::SmartController* currentController() const;
     void showWrittenData(Velmora::Smart::SmartController* controller);
 
