@@ -72,30 +72,54 @@ poll() {
 # The program starts the service by its full path.
 service_pids() { pgrep -f "^$bin/Kestravin_Service( |\$)" || true; }
 
-started=()
+# Only what this script started: its own children, the programs they run (the launcher is their
+# parent, so a pid is checked before it is signalled) and the services in its temporary root.
+launched=()
 cleanup() {
   local pid
-  for pid in "${started[@]}" $(service_pids); do
-    # Only what this script started: its own processes, and services in its temporary root.
-    if [ "$(readlink "/proc/$pid/exe" 2>/dev/null)" = "$bin/Kestravin_Service" ]; then
-      tr '\0' '\n' <"/proc/$pid/environ" 2>/dev/null | grep -q "^TMPDIR=$tmp_root/" || continue
-    fi
+  for pid in $(jobs -p); do
+    kill -TERM "$pid" 2>/dev/null || true
+  done
+  for pid in "${launched[@]}" $(service_pids); do
+    tr '\0' '\n' 2>/dev/null <"/proc/$pid/environ" | grep -q "^TMPDIR=$tmp_root/" || continue
     kill -TERM "$pid" 2>/dev/null || true
   done
   wait 2>/dev/null || true
+  release_ipc
   rm -rf "$tmp_root"
+}
+
+# The program's single-instance lock is a System V segment and semaphore keyed by files in its
+# TMPDIR (ftok with 'Q'); they outlive a stopped program. Removed here before their key files go,
+# so that a later run whose new key file reuses an inode does not find them.
+ipc_key() {
+  local inode device
+  read -r inode device < <(stat -c '%i %d' "$1")
+  printf '0x%08x' $(((0x51 << 24) | ((device & 0xff) << 16) | (inode & 0xffff)))
+}
+release_ipc() {
+  local file key
+  for file in "$tmp_root"/*/qipc_*; do
+    [ -e "$file" ] || continue
+    key=$(ipc_key "$file")
+    case $file in
+      */qipc_sharedmemory_*)
+        if ipcs -m | awk -v key="$key" '$1 == key && $6 == 0 {found = 1} END {exit !found}'; then
+          ipcrm -M "$key" || true
+        fi ;;
+      */qipc_systemsem_*) ipcrm -S "$key" 2>/dev/null || true ;;
+    esac
+  done
 }
 trap cleanup EXIT
 trap 'exit 1' TERM INT HUP
 
 Xvfb -displayfd 5 -screen 0 1280x1024x24 -nolisten tcp 5>"$out/display" 2>"$out/xvfb.err" &
-started+=($!)
 poll 20000 grep -q '^[0-9]' "$out/display" || { echo "Xvfb did not start" >&2; exit 1; }
 export DISPLAY=:$(head -n1 "$out/display")
 export QT_QPA_PLATFORM=xcb
 unset WAYLAND_DISPLAY DBUS_SESSION_BUS_ADDRESS
 "$probe" tray >"$out/tray.out" 2>&1 &
-started+=($!)
 poll 10000 grep -q '^tray ' "$out/tray.out" || { echo "no system tray" >&2; exit 1; }
 
 # Threads' voluntary and involuntary context switches, summed: each is a wake-up or a preemption.
@@ -110,8 +134,9 @@ pss_kb() { awk '/^Pss:/ {print $2}' "/proc/$1/smaps_rollup" 2>/dev/null || echo 
 service_of() {
   local pid
   for pid in $(service_pids); do
-    tr '\0' '\n' <"/proc/$pid/environ" 2>/dev/null | grep -qx "TMPDIR=$1" && echo "$pid"
+    tr '\0' '\n' 2>/dev/null <"/proc/$pid/environ" | grep -qx "TMPDIR=$1" && echo "$pid"
   done
+  return 0
 }
 
 # Epoch milliseconds of the last "Add drive: " line, once the log has the expected number.
@@ -141,10 +166,9 @@ start_run() {
   env HOME="$home" XDG_CONFIG_HOME="$home/config" XDG_DATA_HOME="$home/data" XDG_CACHE_HOME="$home/cache" \
     XDG_RUNTIME_DIR="$home/runtime" TMPDIR="$tmp_root/$tag" \
     "$probe" launch "${watch[@]}" -- "$@" >"$run_out" 2>"$out/$tag.err" &
-  started+=($!)
   poll 10000 grep -q '^pid ' "$run_out" || { echo "$tag did not start" >&2; exit 1; }
   run_pid=$(awk '$1 == "pid" {print $2; exit}' "$run_out")
-  started+=("$run_pid")
+  launched+=("$run_pid")
 }
 
 field() { awk -v key="$2" '$1 == key {print $2; exit}' "$1"; }
@@ -175,8 +199,7 @@ for round in $(seq 1 "$rounds"); do
         mkdir -p "$tmp_root/$tag"
         env TMPDIR="$tmp_root/$tag" HOME="$out/$tag-service" XDG_DATA_HOME="$out/$tag-service/data" \
           "$bin/Kestravin_Service" --name VelmoraServer --quiet >"$out/$tag-service.out" 2>&1 &
-        started+=($!)
-        poll 30000 grep -q '^Listening on ' "$out/$tag-service.out" || { echo "the service did not listen" >&2; exit 1; }
+                poll 30000 grep -q '^Listening on ' "$out/$tag-service.out" || { echo "the service did not listen" >&2; exit 1; }
         start_run "$tag" "KESTRAVIN SSD" "$bin/kestravin"
         ;;
     esac
@@ -223,7 +246,7 @@ for round in $(seq 1 "$rounds"); do
   for program in "${programs[@]}"; do
     for p in ${pid[$program]} ${service[$program]:-}; do
       while kill -0 "$p" 2>/dev/null && [ "$(now_ms)" -lt "$wait_deadline" ]; do sleep 0.05; done
-      kill -KILL "$p" 2>/dev/null || true
+      if kill -0 "$p" 2>/dev/null; then kill -KILL "$p" || true; fi
     done
   done
   unset pid window drives_at service begin before

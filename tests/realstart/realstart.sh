@@ -50,7 +50,7 @@ our_processes() {
   for pid in $(pgrep -f "^$bin/$name( |\$)"); do
     [ "$(readlink "/proc/$pid/exe" 2>/dev/null)" = "$bin/$name" ] || continue
     alive "$pid" || continue
-    tr '\0' '\n' <"/proc/$pid/environ" 2>/dev/null | grep -qx "TMPDIR=$tmp" && echo "$pid"
+    tr '\0' '\n' 2>/dev/null <"/proc/$pid/environ" | grep -qx "TMPDIR=$tmp" && echo "$pid"
   done
 }
 
