@@ -57,6 +57,7 @@ rm -rf "$out"
 mkdir -p "$out"
 results=$out/results.tsv
 tmp_root=/tmp/kvm-$$
+source tests/realstart/instance-lock.sh
 
 now_ms() { date +%s%3N; }
 poll() {
@@ -85,31 +86,8 @@ cleanup() {
     kill -TERM "$pid" 2>/dev/null || true
   done
   wait 2>/dev/null || true
-  release_ipc
+  release_instance_lock "$tmp_root"/*
   rm -rf "$tmp_root"
-}
-
-# The program's single-instance lock is a System V segment and semaphore keyed by files in its
-# TMPDIR (ftok with 'Q'); they outlive a stopped program. Removed here before their key files go,
-# so that a later run whose new key file reuses an inode does not find them.
-ipc_key() {
-  local inode device
-  read -r inode device < <(stat -c '%i %d' "$1")
-  printf '0x%08x' $(((0x51 << 24) | ((device & 0xff) << 16) | (inode & 0xffff)))
-}
-release_ipc() {
-  local file key
-  for file in "$tmp_root"/*/qipc_*; do
-    [ -e "$file" ] || continue
-    key=$(ipc_key "$file")
-    case $file in
-      */qipc_sharedmemory_*)
-        if ipcs -m | awk -v key="$key" '$1 == key && $6 == 0 {found = 1} END {exit !found}'; then
-          ipcrm -M "$key" || true
-        fi ;;
-      */qipc_systemsem_*) ipcrm -S "$key" 2>/dev/null || true ;;
-    esac
-  done
 }
 trap cleanup EXIT
 trap 'exit 1' TERM INT HUP
@@ -123,12 +101,15 @@ unset WAYLAND_DISPLAY DBUS_SESSION_BUS_ADDRESS
 poll 10000 grep -q '^tray ' "$out/tray.out" || { echo "no system tray" >&2; exit 1; }
 
 # Threads' voluntary and involuntary context switches, summed: each is a wake-up or a preemption.
+# Each prints nothing when the process is gone.
 switches() {
-  cat /proc/"$1"/task/*/status 2>/dev/null \
-    | awk '/^(voluntary|nonvoluntary)_ctxt_switches:/ {sum += $2} END {print sum + 0}'
+  { cat /proc/"$1"/task/*/status 2>/dev/null || true; } \
+    | awk '/^(voluntary|nonvoluntary)_ctxt_switches:/ {sum += $2; n++} END {if (n) print sum}'
 }
-rss_kb() { awk '/^VmRSS:/ {print $2}' "/proc/$1/status" 2>/dev/null || echo 0; }
-pss_kb() { awk '/^Pss:/ {print $2}' "/proc/$1/smaps_rollup" 2>/dev/null || echo 0; }
+rss_kb() { awk '/^VmRSS:/ {print $2}' "/proc/$1/status" 2>/dev/null || true; }
+pss_kb() { awk '/^Pss:/ {print $2}' "/proc/$1/smaps_rollup" 2>/dev/null || true; }
+# Wake-ups per minute between two counts, nothing if either is missing.
+per_minute() { [ -n "$1" ] && [ -n "$2" ] && echo $((($2 - $1) * 60 / idle)) || true; }
 
 # The service a Kestravin run started: the one whose TMPDIR is that run's.
 service_of() {
@@ -159,6 +140,7 @@ start_run() {
   shift 2
   local home=$out/$tag
   mkdir -p "$home"/{config,data,cache,runtime} "$tmp_root/$tag"
+  prepare_instance_lock "$tmp_root/$tag"
   chmod 700 "$home/runtime"
   run_out=$out/$tag.out
   local watch=()
@@ -228,14 +210,15 @@ for round in $(seq 1 "$rounds"); do
   sleep "$idle"
   for program in "${programs[@]}"; do
     p=${pid[$program]}
-    wake=$(( ( $(switches "$p") - ${before[$program]} ) * 60 / idle ))
+    wake=$(per_minute "${before[$program]}" "$(switches "$p")")
     s=${service[$program]:-}
     if [ -n "$s" ]; then
-      swake=$(( ( $(switches "$s") - ${before[$program-service]} ) * 60 / idle ))
+      swake=$(per_minute "${before[$program-service]:-}" "$(switches "$s")")
       srss=$(rss_kb "$s") spss=$(pss_kb "$s")
     else
       swake= srss= spss=
     fi
+    [ -n "$wake" ] || echo "  $program ended before the idle time was over" >&2
     printf '%s\t%s\t%s\t%s\t%s\t%s\t%s\t%s\t%s\t%s\n' "$round" "$program" "${window[$program]:-}" \
       "${drives_at[$program]:-}" "$(rss_kb "$p")" "$(pss_kb "$p")" "$wake" "$srss" "$spss" "$swake" >>"$results"
   done
@@ -249,6 +232,7 @@ for round in $(seq 1 "$rounds"); do
       if kill -0 "$p" 2>/dev/null; then kill -KILL "$p" || true; fi
     done
   done
+  release_instance_lock "$tmp_root"/r$round-*
   unset pid window drives_at service begin before
 done
 

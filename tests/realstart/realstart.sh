@@ -15,6 +15,7 @@ work=$2
 tmp=$3
 title="KESTRAVIN SSD"
 probe=$bin/x11probe
+source "$(dirname "$0")/instance-lock.sh"
 
 now_ms() { date +%s%3N; }
 test_start=$(now_ms)
@@ -54,43 +55,14 @@ our_processes() {
   done
 }
 
-# The single-instance lock is a System V shared memory segment and semaphore whose keys come from
-# files in TMPDIR (ftok with 'Q'). The segment outlives the process unless it is detached, and a
-# new key file may get the inode, and so the key, of a deleted one: so the objects of this test's
-# key files are removed once no process of the test runs, before the files go.
-ipc_key() {
-  local inode device
-  read -r inode device < <(stat -c '%i %d' "$1")
-  printf '0x%08x' $(((0x51 << 24) | ((device & 0xff) << 16) | (inode & 0xffff)))
-}
-leftover_ipc() {
-  local file key
-  for file in "$tmp"/qipc_sharedmemory_*; do
-    [ -e "$file" ] || continue
-    key=$(ipc_key "$file")
-    ipcs -m | awk -v key="$key" '$1 == key && $6 == 0 {found = 1} END {exit !found}' && echo "$key"
-  done
-}
-release_ipc() {
-  local file key
-  for file in "$tmp"/qipc_*; do
-    [ -e "$file" ] || continue
-    key=$(ipc_key "$file")
-    case $file in
-      */qipc_sharedmemory_*)
-        ipcs -m | awk -v key="$key" '$1 == key && $6 == 0 {found = 1} END {exit !found}' && ipcrm -M "$key" ;;
-      */qipc_systemsem_*) ipcrm -S "$key" 2>/dev/null ;;
-    esac
-  done
-}
-
 # What an earlier, interrupted run may have left: only processes of this build and this TMPDIR.
 for pid in $(our_processes kestravin) $(our_processes Kestravin_Service); do
   kill -KILL "$pid" 2>/dev/null
 done
-release_ipc
+release_instance_lock "$tmp"
 rm -rf "$work" "$tmp"
 mkdir -p "$work"/home/{config,data,cache,runtime} "$tmp"
+prepare_instance_lock "$tmp" || exit 1
 chmod 700 "$work/home/runtime"
 export HOME=$work/home
 export XDG_CONFIG_HOME=$HOME/config XDG_DATA_HOME=$HOME/data XDG_CACHE_HOME=$HOME/cache
@@ -114,7 +86,7 @@ cleanup() {
     wait "$xvfb_pid" 2>/dev/null
   fi
   poll 5000 none_left
-  release_ipc
+  release_instance_lock "$tmp"
   rm -rf "$tmp"
 }
 trap cleanup EXIT
@@ -173,8 +145,6 @@ if [ -n "$window" ]; then
   fi
 else
   fail "no window \"$title\" within 30 s ($(tr '\n' ' ' <"$work/first.out" | grep -oE '(timeout|exit [0-9]+)'))"
-  grep -q 'Other instance detected' "$log" 2>/dev/null \
-    && note "the first start took a System V segment of another program for a running instance (ipcs -m)"
 fi
 
 # The drive list travels from the service to the program's system model.
@@ -238,25 +208,30 @@ services=$(our_processes Kestravin_Service | wc -l)
 
 # --- Quit through the tray menu ---------------------------------------------------------------
 icon=$(awk '$1 == "docked" {print $2; exit}' "$work/tray.out")
+ended() { grep -q '^exit ' "$work/first.out"; }
+menu_open() { "$probe" wait --type POPUP_MENU --state mapped --timeout-ms "$1" >/dev/null; }
 quit_asked=0
 if [ -n "$icon" ]; then
+  # The menu takes the keyboard just after it appears: keys that came too early are sent again.
   for attempt in 1 2 3; do
-    xdotool mousemove --window "$icon" 12 12 click 3 2>>"$work/xdotool.err"
-    menu=$("$probe" wait --type POPUP_MENU --state mapped --timeout-ms 5000) || continue
-    # The menu holds the keyboard while it is open; Quit is its last entry.
+    if ! menu_open 0; then
+      xdotool mousemove --window "$icon" 12 12 click 3 2>>"$work/xdotool.err"
+      menu_open 5000 || continue
+    fi
+    # Quit is the menu's last entry.
     xdotool key Up Return 2>>"$work/xdotool.err"
     quit_asked=1
-    break
+    poll 5000 ended && break
   done
 fi
-if [ "$quit_asked" -eq 1 ] && poll 15000 grep -q '^exit ' "$work/first.out"; then
+if [ "$quit_asked" -eq 1 ] && poll 15000 ended; then
   code=$(awk '$1 == "exit" {print $2}' "$work/first.out")
   [ "$code" -eq 0 ] && ok "Quit in the tray menu ended the program with 0" || fail "Quit ended the program with $code"
   grep -q 'Closing application' "$log" && ok "the program logged \"Closing application\"" \
     || fail "no \"Closing application\" in the log"
   first_pid=
 else
-  fail "the tray menu's Quit did not end the program (menu: ${menu:-none}); stopping it with SIGKILL"
+  fail "the tray menu's Quit did not end the program (menu shown: $quit_asked); stopping it with SIGKILL"
 fi
 
 # The service is the machine's, not the program's: it outlives the program and is stopped here.
@@ -267,7 +242,7 @@ if [ -n "$left" ]; then
   poll 10000 no_service || fail "the service did not end on SIGTERM"
 fi
 [ -n "$first_pid" ] && kill -KILL "$first_pid" 2>/dev/null
-left=$(leftover_ipc)
+left=$(orphaned_instance_lock "$tmp")
 [ -n "$left" ] && note "the single-instance shared memory segment ($left) outlives the program; removed"
 poll 10000 none_left \
   && ok "no program or service process of this test remains" \
