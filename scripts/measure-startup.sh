@@ -5,7 +5,7 @@
 #   - time from the process start to its main window mapped (both programs);
 #   - for Kestravin, time until the drives of the simulated machine are in its system model (the
 #     last "Add drive: " line of its log, whose timestamps have milliseconds);
-#   - resident memory (VmRSS, and PSS from smaps_rollup) after an idle time;
+#   - resident memory after an idle time: VmRSS, PSS and USS (private pages) from smaps_rollup;
 #   - wake-ups over that idle time: voluntary and involuntary context switches of all threads.
 #
 # Kestravin runs three times per round: started alone (it starts its simulated service itself, as
@@ -15,10 +15,11 @@
 # over the rounds are printed with the goals: window no later than GSmartControl's, drives listed
 # within 0.5 s of the window, resident memory at most 80 % of GSmartControl's.
 #
-#   scripts/measure-startup.sh [-n ROUNDS] [-i IDLE_SECONDS] [-d DRIVES]
+#   scripts/measure-startup.sh [-n ROUNDS] [-i IDLE_SECONDS] [-d DRIVES] [-e VAR=value]...
 #
 # ROUNDS defaults to 5, IDLE_SECONDS to 60, DRIVES (the drives of the default scenario, counted in
-# "Add drive: " lines) to 4. SKIP_BUILD=1 uses the build as it is. Raw figures go to
+# "Add drive: " lines) to 4. -e adds a variable to Kestravin's environment (for example
+# QT_XCB_GL_INTEGRATION=none). SKIP_BUILD=1 uses the build as it is. Raw figures go to
 # ${BUILD_DIR:-build}/measure-startup/results.tsv.
 set -euo pipefail
 cd "$(dirname "$0")/.."
@@ -26,11 +27,13 @@ cd "$(dirname "$0")/.."
 rounds=5
 idle=60
 drives=4
-while getopts "n:i:d:" option; do
+extra_env=()
+while getopts "n:i:d:e:" option; do
   case $option in
     n) rounds=$OPTARG ;;
     i) idle=$OPTARG ;;
     d) drives=$OPTARG ;;
+    e) extra_env+=("$OPTARG") ;;
     *) sed -n '2,/^set -euo/p' "$0" | sed '$d'; exit 1 ;;
   esac
 done
@@ -100,16 +103,32 @@ unset WAYLAND_DISPLAY DBUS_SESSION_BUS_ADDRESS
 "$probe" tray >"$out/tray.out" 2>&1 &
 poll 10000 grep -q '^tray ' "$out/tray.out" || { echo "no system tray" >&2; exit 1; }
 
-# Threads' voluntary and involuntary context switches, summed: each is a wake-up or a preemption.
-# Each prints nothing when the process is gone.
+# Per thread, "tid count": its voluntary and involuntary context switches, each a wake-up or a
+# preemption. Nothing when the process is gone.
 switches() {
-  { cat /proc/"$1"/task/*/status 2>/dev/null || true; } \
-    | awk '/^(voluntary|nonvoluntary)_ctxt_switches:/ {sum += $2; n++} END {if (n) print sum}'
+  local task
+  for task in /proc/"$1"/task/*; do
+    awk -v tid="${task##*/}" '/^(voluntary|nonvoluntary)_ctxt_switches:/ {sum += $2; n++}
+      END {if (n) print tid, sum}' "$task/status" 2>/dev/null || true
+  done
+}
+# Wake-ups per minute between two samples: the growth of the threads alive at the end (a thread
+# born in between counts from zero). Threads that ended in between are missed, so this is a lower
+# bound. Nothing if the process was gone at either sample.
+per_minute() {
+  [ -n "$1" ] && [ -n "$2" ] || return 0
+  awk -v idle="$idle" 'NR == FNR {start[$1] = $2; next} {sum += $2 - start[$1]}
+    END {printf "%d\n", sum * 60 / idle}' <(echo "$1") <(echo "$2")
 }
 rss_kb() { awk '/^VmRSS:/ {print $2}' "/proc/$1/status" 2>/dev/null || true; }
 pss_kb() { awk '/^Pss:/ {print $2}' "/proc/$1/smaps_rollup" 2>/dev/null || true; }
-# Wake-ups per minute between two counts, nothing if either is missing.
-per_minute() { [ -n "$1" ] && [ -n "$2" ] && echo $((($2 - $1) * 60 / idle)) || true; }
+# Unique set size: the pages no other process maps, independent of what runs beside.
+uss_kb() { awk '/^Private_(Clean|Dirty):/ {sum += $2; n++} END {if (n) print sum}' "/proc/$1/smaps_rollup" 2>/dev/null || true; }
+# Whether the process has loaded an OpenGL driver (Mesa's, with LLVM, under Xvfb).
+gl_loaded() {
+  [ -r "/proc/$1/maps" ] || return 0
+  grep -qE '/dri/|libLLVM' "/proc/$1/maps" 2>/dev/null && echo yes || echo no
+}
 
 # The service a Kestravin run started: the one whose TMPDIR is that run's.
 service_of() {
@@ -161,7 +180,7 @@ window_ms() {
 }
 
 echo "Machine: $(nproc) cores; load before: $(cut -d' ' -f1-3 /proc/loadavg)" | tee "$out/machine.txt"
-printf 'round\tprogram\twindow_ms\tdrives_ms\trss_kb\tpss_kb\twakeups\tservice_rss_kb\tservice_pss_kb\tservice_wakeups\n' >"$results"
+printf 'round\tprogram\twindow_ms\tdrives_ms\trss_kb\tpss_kb\tuss_kb\tgl\twakeups\tservice_rss_kb\tservice_pss_kb\tservice_wakeups\n' >"$results"
 
 programs=(kestravin warm minimized gsmartcontrol)
 for round in $(seq 1 "$rounds"); do
@@ -173,8 +192,8 @@ for round in $(seq 1 "$rounds"); do
   for program in "${order[@]}"; do
     tag=r$round-$program
     case $program in
-      kestravin) start_run "$tag" "KESTRAVIN SSD" "$bin/kestravin" ;;
-      minimized) start_run "$tag" "" "$bin/kestravin" -minimized ;;
+      kestravin) start_run "$tag" "KESTRAVIN SSD" env "${extra_env[@]}" "$bin/kestravin" ;;
+      minimized) start_run "$tag" "" env "${extra_env[@]}" "$bin/kestravin" -minimized ;;
       gsmartcontrol) start_run "$tag" "GSmartControl" "$gsmartcontrol" ;;
       warm)
         # The service is up before the program starts, as a system service would be.
@@ -182,7 +201,7 @@ for round in $(seq 1 "$rounds"); do
         env TMPDIR="$tmp_root/$tag" HOME="$out/$tag-service" XDG_DATA_HOME="$out/$tag-service/data" \
           "$bin/Kestravin_Service" --name VelmoraServer --quiet >"$out/$tag-service.out" 2>&1 &
                 poll 30000 grep -q '^Listening on ' "$out/$tag-service.out" || { echo "the service did not listen" >&2; exit 1; }
-        start_run "$tag" "KESTRAVIN SSD" "$bin/kestravin"
+        start_run "$tag" "KESTRAVIN SSD" env "${extra_env[@]}" "$bin/kestravin"
         ;;
     esac
     pid[$program]=$run_pid
@@ -219,8 +238,9 @@ for round in $(seq 1 "$rounds"); do
       swake= srss= spss=
     fi
     [ -n "$wake" ] || echo "  $program ended before the idle time was over" >&2
-    printf '%s\t%s\t%s\t%s\t%s\t%s\t%s\t%s\t%s\t%s\n' "$round" "$program" "${window[$program]:-}" \
-      "${drives_at[$program]:-}" "$(rss_kb "$p")" "$(pss_kb "$p")" "$wake" "$srss" "$spss" "$swake" >>"$results"
+    printf '%s\t%s\t%s\t%s\t%s\t%s\t%s\t%s\t%s\t%s\t%s\t%s\n' "$round" "$program" "${window[$program]:-}" \
+      "${drives_at[$program]:-}" "$(rss_kb "$p")" "$(pss_kb "$p")" "$(uss_kb "$p")" "$(gl_loaded "$p")" "$wake" \
+      "$srss" "$spss" "$swake" >>"$results"
   done
   for program in "${programs[@]}"; do
     kill -TERM "${pid[$program]}" ${service[$program]:-} 2>/dev/null || true
@@ -259,7 +279,7 @@ gap() {
 
 declare -A m
 for program in "${programs[@]}"; do
-  for metric in window_ms drives_ms rss_kb pss_kb wakeups service_rss_kb service_pss_kb service_wakeups; do
+  for metric in window_ms drives_ms rss_kb pss_kb uss_kb wakeups service_rss_kb service_pss_kb service_wakeups; do
     m[$program,$metric]=$(median "$program" "$metric")
   done
   m[$program,gap]=$(gap "$program")
@@ -287,6 +307,12 @@ row() {
   row "drives listed after window (ms)" gap
   row "VmRSS after idle (MiB)" rss_kb mib
   row "PSS after idle (MiB)" pss_kb mib
+  row "USS after idle (MiB)" uss_kb mib
+  printf '%-34s' "OpenGL driver loaded (rounds)"
+  for program in "${programs[@]}"; do
+    printf ' %14s' "$(awk -F'\t' -v p="$program" 'NR > 1 && $2 == p && $8 == "yes" {n++} END {print n + 0}' "$results")/$rounds"
+  done
+  echo
   row "wake-ups per minute, idle" wakeups
   row "service (sim) VmRSS (MiB)" service_rss_kb mib
   row "service (sim) PSS (MiB)" service_pss_kb mib
@@ -298,7 +324,7 @@ row() {
   echo "  window no later than GSmartControl's: ratio $r <= 1.00 $(verdict "$r" 1.0) ($rw $(verdict "$rw" 1.0))"
   echo "  drives within 0.5 s of the window: ${m[kestravin,gap]} ms $(verdict "${m[kestravin,gap]}" 500)" \
     "(${m[warm,gap]} ms $(verdict "${m[warm,gap]}" 500))"
-  for metric in rss_kb pss_kb; do
+  for metric in rss_kb pss_kb uss_kb; do
     r=$(ratio "${m[kestravin,$metric]}" "${m[gsmartcontrol,$metric]}")
     rw=$(ratio "${m[warm,$metric]}" "${m[gsmartcontrol,$metric]}")
     rm_=$(ratio "${m[minimized,$metric]}" "${m[gsmartcontrol,$metric]}")
