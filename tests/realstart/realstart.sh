@@ -6,7 +6,7 @@
 #
 #   realstart.sh <bin dir> <work dir> <temporary dir>
 #
-# Leaves the screenshot, the logs and a summary in the work dir. Every wait polls up to a
+# Leaves the screenshot and the logs in the work dir. Every wait polls up to a
 # generous limit, so that a loaded machine only makes the test slower.
 set -u
 
