@@ -30,6 +30,8 @@
 #include <QNetworkReply>
 #include <QNetworkRequest>
 
+#include <limits>
+
 using namespace Velmora;
 
 // Creates and wires the long-lived objects in their fixed order; nothing else does. The objects
@@ -37,6 +39,14 @@ using namespace Velmora;
 int main(int argc, char* argv[])
 {
     Gui::initGuiResources();
+    // Everything is drawn by the raster engine; loading the OpenGL driver at start would only
+    // cost time and some 50 MB. A user's own choice stands.
+    if (!qEnvironmentVariableIsSet("QT_XCB_GL_INTEGRATION"))
+        qputenv("QT_XCB_GL_INTEGRATION", "none");
+    // Qt's network layer otherwise looks at the machine's network configurations every 10 s, which
+    // wakes an idle program in the tray for nothing: it never picks a configuration.
+    if (!qEnvironmentVariableIsSet("QT_BEARER_POLL_TIMEOUT"))
+        qputenv("QT_BEARER_POLL_TIMEOUT", QByteArray::number(std::numeric_limits<int>::max()));
     auto* app = new Application::Application(argc, argv);
 
     Logger::initialize(Logger::Debug);
@@ -130,5 +140,8 @@ int main(int argc, char* argv[])
 
     Logger::warning(QString(), QStringLiteral("Closing application"));
     System::SupportedDrivesManager::release();
+    // The application object is never destroyed, so the guard would keep its system-wide lock
+    // objects past the end of the process, and a later start could take them for a running copy.
+    delete guard;
     return result;
 }
