@@ -364,8 +364,6 @@ void MainWindow::onDriveAdded(int driveId)
     const System::Drive* drive = system->drive(driveId);
     if (!drive || drive->isUsb())
         return;
-    // The first entry of an empty box becomes current, and through the index change the first
-    // listed drive becomes the system's current drive.
     currentDrive->addItem(drive->displayText(true), driveId);
 }
 
@@ -393,10 +391,9 @@ void MainWindow::onCurrentDriveChanged(int driveId)
 
 void MainWindow::on_currentDrive_currentIndexChanged(int index)
 {
-    bool ok = false;
-    const int driveId = currentDrive->itemData(index).toInt(&ok);
-    if (ok && system->drive(driveId))
-        system->setCurrentDrive(driveId);
+    // Until a drive is chosen on the home page, the box only shows what is there.
+    if (system->currentDrive())
+        system->setCurrentDrive(currentDrive->itemData(index).toInt());
 }
 
 void MainWindow::onMigrationStarted()

@@ -333,7 +333,8 @@ void TestGuiMainWindow::driveStatusPageShowsTheDriveSection()
     QVERIFY(footer->isVisible());
     QVERIFY(!homeFooter->isVisible());
     QCOMPARE(currentPageCaption(window), QStringLiteral("MY SSD"));
-    QCOMPARE(system.currentDriveId(), 1);
+    // The tray's way to the status page leaves the choice of drive to the user.
+    QVERIFY(!system.currentDrive());
 
     // Choosing a drive on the home page goes the same way and makes that drive current.
     system.addDrive(makeDrive(2, QStringLiteral("KV TWO"), QStringLiteral("NVMe")));
@@ -347,7 +348,7 @@ void TestGuiMainWindow::driveComboLeavesOutUsbDrives_data()
     QTest::addColumn<QStringList>("typesBefore");
     QTest::addColumn<QStringList>("typesAfter");
     QTest::addColumn<QList<int>>("listedIds");
-    QTest::addColumn<int>("currentId");
+    QTest::addColumn<int>("shownId");
     // Drives get ids 1, 2, ... in the order of the types; those before exist when the window is made.
     QTest::newRow("none") << QStringList() << QStringList() << QList<int>() << -1;
     QTest::newRow("known at start") << QStringList { "SATA", "NVMe" } << QStringList() << QList<int> { 1, 2 } << 1;
@@ -363,7 +364,7 @@ void TestGuiMainWindow::driveComboLeavesOutUsbDrives()
     QFETCH(QStringList, typesBefore);
     QFETCH(QStringList, typesAfter);
     QFETCH(QList<int>, listedIds);
-    QFETCH(int, currentId);
+    QFETCH(int, shownId);
 
     System::System system;
     int id = 0;
@@ -384,10 +385,9 @@ void TestGuiMainWindow::driveComboLeavesOutUsbDrives()
     QCOMPARE(ids, listedIds);
     // The USB drives stay in the model.
     QCOMPARE(system.driveIds().size(), typesBefore.size() + typesAfter.size());
-    // The first listed drive is the one the program looks at.
-    QCOMPARE(system.currentDriveId(), currentId);
-    if (currentId >= 0)
-        QCOMPARE(combo->currentData().toInt(), currentId);
+    // The box shows the first listed drive, which becomes current only when the user chooses it.
+    QCOMPARE(combo->currentIndex() >= 0 ? combo->currentData().toInt() : -1, shownId);
+    QVERIFY(!system.currentDrive());
 }
 
 void TestGuiMainWindow::driveComboFollowsRemovals()
@@ -420,7 +420,8 @@ void TestGuiMainWindow::driveComboFollowsRemovals()
 
     system.addDrive(makeDrive(5, QStringLiteral("FIVE"), QStringLiteral("SATA")));
     QCOMPARE(comboTexts(combo), QStringList { "FIVE [256.00 GB]" });
-    QCOMPARE(system.currentDriveId(), 5);
+    // With no drive left to look at, a new one waits for the user's choice.
+    QVERIFY(!system.currentDrive());
 }
 
 void TestGuiMainWindow::driveComboAndCurrentDriveAgree()
@@ -432,10 +433,15 @@ void TestGuiMainWindow::driveComboAndCurrentDriveAgree()
     auto* combo = window.findChild<QComboBox*>(QStringLiteral("currentDrive"));
     QSignalSpy changed(&system, &System::System::currentDriveChanged);
 
-    combo->setCurrentIndex(2);
-    QCOMPARE(system.currentDriveId(), 3);
+    // Before a drive is chosen on the home page the box changes nothing.
+    combo->setCurrentIndex(1);
+    QVERIFY(!system.currentDrive());
+    QCOMPARE(changed.count(), 0);
+
     system.setCurrentDrive(2);
     QCOMPARE(combo->currentData().toInt(), 2);
+    combo->setCurrentIndex(2);
+    QCOMPARE(system.currentDriveId(), 3);
     window.changeCurrentDrive(1);
     QCOMPARE(combo->currentData().toInt(), 1);
     QCOMPARE(changed.count(), 3);
