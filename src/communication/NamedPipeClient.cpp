@@ -26,7 +26,7 @@ NamedPipeClient::NamedPipeClient(QObject* parent)
     connect(m_socket, &QLocalSocket::disconnected, this, &NamedPipeClient::onDisconnected);
     connect(m_socket, &QLocalSocket::connected, this, &NamedPipeClient::onConnected);
     connect(m_socket, QOverload<QLocalSocket::LocalSocketError>::of(&QLocalSocket::error),
-        this, &NamedPipeClient::onError);
+        this, &NamedPipeClient::onSocketError);
 }
 
 bool NamedPipeClient::isConnected() const
@@ -157,6 +157,17 @@ void NamedPipeClient::onConnected()
     Logger::debug(QString(), QStringLiteral("Connected to server."));
     m_reconnectionCount = 0;
     emit connectedToServer();
+}
+
+void NamedPipeClient::onSocketError(QLocalSocket::LocalSocketError error)
+{
+    // A named pipe goes with its server, so a missing server reads as "not found". A Unix socket
+    // file can outlive a service that was killed, and connecting to it is refused instead: the
+    // same situation, which must lead to the same retry. (Nothing else refuses a connection;
+    // a broken one reports the peer closed.)
+    if (error == QLocalSocket::ConnectionRefusedError)
+        error = QLocalSocket::ServerNotFoundError;
+    onError(error);
 }
 
 void NamedPipeClient::onError(QLocalSocket::LocalSocketError error)

@@ -49,6 +49,9 @@ signals:
     void connectionError();
     void sendingMessage();
 
+private slots:
+    void onSocketError(QLocalSocket::LocalSocketError error);
+
 private:
     enum ParseState { WaitingForHeader = 0, WaitingForPayload = 1 };
 

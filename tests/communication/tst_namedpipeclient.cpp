@@ -3,7 +3,12 @@
 #include "support/LogCapture.h"
 #include "support/TestEnvironment.h"
 
+#include <QDir>
 #include <QSignalSpy>
+
+#include <sys/socket.h>
+#include <sys/un.h>
+#include <unistd.h>
 #include <QTest>
 
 using Velmora::Communication::NamedPipeClient;
@@ -65,6 +70,7 @@ private slots:
     void dropsFramesWhileNotConnected();
     void keepsPartialFrameAcrossReconnection();
     void retriesWhileServerIsAbsent();
+    void retriesPastASocketFileWithoutService();
     void givesUpAfterFiveReconnectionPasses();
     void connectionResetsTheReconnectionCount();
     void deliversFramesFromTheSocket();
@@ -284,6 +290,46 @@ void TestNamedPipeClient::retriesWhileServerIsAbsent()
     QVERIFY(connected.wait(5000));
     QVERIFY(service.waitForClient());
     QVERIFY(log.count(QStringLiteral("Connected to server.")) == 1);
+}
+
+// What a killed service leaves behind: a socket file that nobody listens on.
+static bool leaveStaleSocketFile(const QString& name)
+{
+    const QByteArray path = QDir(QDir::tempPath()).filePath(name).toLocal8Bit();
+    sockaddr_un address {};
+    address.sun_family = AF_UNIX;
+    if (size_t(path.size()) >= sizeof(address.sun_path))
+        return false;
+    memcpy(address.sun_path, path.constData(), size_t(path.size()));
+    const int fd = ::socket(AF_UNIX, SOCK_STREAM, 0);
+    const bool bound = fd >= 0 && ::bind(fd, reinterpret_cast<sockaddr*>(&address), sizeof(address)) == 0;
+    if (fd >= 0)
+        ::close(fd);
+    return bound;
+}
+
+void TestNamedPipeClient::retriesPastASocketFileWithoutService()
+{
+    const QString name = TestEnvironment::uniqueName(QStringLiteral("stale"));
+    QVERIFY(leaveStaleSocketFile(name));
+    LogCapture log;
+    NamedPipeClient client;
+    client.setServerName(name);
+    client.setServerNotFoundRetryInterval(50);
+    QSignalSpy notFound(&client, &NamedPipeClient::serverNotFound);
+    QSignalSpy connected(&client, &NamedPipeClient::connectedToServer);
+    QSignalSpy gaveUp(&client, &NamedPipeClient::connectionError);
+    client.connectToServer();
+    // Treated as a pipe that isn't there: asked again and again, never given up on.
+    QTRY_VERIFY(notFound.count() >= 7);
+    QCOMPARE(gaveUp.count(), 0);
+    QCOMPARE(log.count(QStringLiteral("Connection error - reconnecting")), 0);
+
+    // A service that comes up takes the place over, and the client finds it.
+    FakeService service(name);
+    QVERIFY(service.listen());
+    QVERIFY(connected.wait(5000));
+    QVERIFY(service.waitForClient());
 }
 
 void TestNamedPipeClient::givesUpAfterFiveReconnectionPasses()
