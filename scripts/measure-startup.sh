@@ -60,18 +60,9 @@ rm -rf "$out"
 mkdir -p "$out"
 results=$out/results.tsv
 tmp_root=/tmp/kvm-$$
-source tests/realstart/instance-lock.sh
+source tests/realstart/helpers.sh
 
-now_ms() { date +%s%3N; }
-poll() {
-  local limit=$1
-  shift
-  local deadline=$(($(now_ms) + limit))
-  until "$@"; do
-    [ "$(now_ms)" -ge "$deadline" ] && return 1
-    sleep 0.02
-  done
-}
+POLL_STEP=0.02
 
 # The program starts the service by its full path.
 service_pids() { pgrep -f "^$bin/Kestravin_Service( |\$)" || true; }

@@ -15,9 +15,8 @@ work=$2
 tmp=$3
 title="KESTRAVIN SSD"
 probe=$bin/x11probe
-source "$(dirname "$0")/instance-lock.sh"
+source "$(dirname "$0")/helpers.sh"
 
-now_ms() { date +%s%3N; }
 test_start=$(now_ms)
 elapsed() { printf '%5.1f s' "$(( $(now_ms) - test_start ))e-3"; }
 
@@ -26,16 +25,6 @@ ok() { echo "ok    $(elapsed)  $*"; }
 fail() { echo "FAIL  $(elapsed)  $*"; failures=$((failures + 1)); }
 note() { echo "note  $(elapsed)  $*"; }
 
-# Polls a command every 50 ms until it succeeds or the limit (ms) passes.
-poll() {
-  local limit=$1
-  shift
-  local deadline=$(($(now_ms) + limit))
-  until "$@"; do
-    [ "$(now_ms)" -ge "$deadline" ] && return 1
-    sleep 0.05
-  done
-}
 
 alive() { kill -0 "$1" 2>/dev/null && [ "$(awk '{print $3}' "/proc/$1/stat" 2>/dev/null)" != Z ]; }
 gone() { ! alive "$1"; }

@@ -1,8 +1,9 @@
-# Sourced by realstart.sh and scripts/measure-startup.sh.
+# Sourced by realstart.sh and scripts/measure-startup.sh: the program's single-instance lock
+# objects, and waiting by polling.
 #
 # The program's single-instance lock is a System V shared memory segment and two semaphores. Their
 # keys come from files in TMPDIR (ftok(file, 'Q'): the low 16 bits of the inode, the low 8 bits of
-# the device). A segment outlives the program unless it is detached; it is removed at the next
+# the device). A segment outlives a program that did not end normally; it is removed at the next
 # start only while its key file is still there. A new key file that happens to get an inode with
 # the same low bits as such an orphan makes a start take it for a running instance and end at once.
 # Runs in a fresh TMPDIR are exposed to exactly that, so these helpers give them key files whose
@@ -75,4 +76,18 @@ orphaned_instance_lock() {
     ipcs -m | awk -v key="$key" '$1 == key && $6 == 0 {found = 1} END {exit !found}' && echo "$key"
   done
   return 0
+}
+
+# Both scripts wait for what the program does by polling, never by fixed sleeps.
+now_ms() { date +%s%3N; }
+
+# Runs a command every POLL_STEP seconds (default 0.05) until it succeeds or the limit (ms) passes.
+poll() {
+  local limit=$1
+  shift
+  local deadline=$(($(now_ms) + limit))
+  until "$@"; do
+    [ "$(now_ms)" -ge "$deadline" ] && return 1
+    sleep "${POLL_STEP:-0.05}"
+  done
 }
