@@ -373,7 +373,7 @@ int closeWindow(const Options& options)
     return 0;
 }
 
-// The system tray of the freedesktop.org specification: own the tray selection of screen 0,
+// The freedesktop.org system tray protocol: own the tray selection of screen 0,
 // announce it, and embed every icon window that asks to be docked.
 int tray()
 {
