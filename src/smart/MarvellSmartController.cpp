@@ -1,17 +1,10 @@
 #include "smart/MarvellSmartController.h"
 
-#include "Smart.pb.h"
-
 namespace Velmora::Smart {
 
 MarvellSmartController::MarvellSmartController(const QString& firmwareVersion, QObject* parent)
     : SmartController(firmwareVersion, parent)
 {
-}
-
-void MarvellSmartController::addAttribute(const Message::Smart_SmartAttribute& attribute)
-{
-    storeAttribute(attribute, decodedData(attribute));
 }
 
 double MarvellSmartController::parameterValue(SmartParameter parameter, bool* ok)

@@ -2,18 +2,11 @@
 
 #include "smart/SmartAttribute.h"
 
-#include "Smart.pb.h"
-
 namespace Velmora::Smart {
 
 MasSmartController::MasSmartController(const QString& firmwareVersion, QObject* parent)
     : SmartController(firmwareVersion, parent)
 {
-}
-
-void MasSmartController::addAttribute(const Message::Smart_SmartAttribute& attribute)
-{
-    storeAttribute(attribute, decodedData(attribute));
 }
 
 double MasSmartController::parameterValue(SmartParameter parameter, bool* ok)

@@ -46,6 +46,11 @@ QList<SmartHistoryPoint*>* SmartController::parameterHistory(SmartParameter para
     return parameter == GBWritten ? &m_history : nullptr;
 }
 
+void SmartController::addAttribute(const Message::Smart_SmartAttribute& attribute)
+{
+    storeAttribute(attribute, decodedData(attribute));
+}
+
 void SmartController::storeAttribute(const Message::Smart_SmartAttribute& attribute, const QByteArray& data)
 {
     // The message carries threshold before worst; the attribute keeps the table's order.

@@ -53,8 +53,9 @@ public:
     QString firmwareVersion() const { return m_firmwareVersion; }
     void setFirmwareVersion(const QString& firmwareVersion) { m_firmwareVersion = firmwareVersion; }
 
-    // Takes one attribute of a Smart message; its Data is the raw value as hexadecimal text.
-    virtual void addAttribute(const Velmora::Message::Smart_SmartAttribute& attribute) = 0;
+    // Takes one attribute of a Smart message; its Data is the raw value as hexadecimal text, kept
+    // as it comes unless a family corrects what its firmware reports.
+    virtual void addAttribute(const Velmora::Message::Smart_SmartAttribute& attribute);
     // Closes a read-out: records the written-data figure in the history and tells the readers.
     virtual void commitReadout();
     // A parameter whose attribute the drive did not deliver is 0.0 with *ok false; ok may be null.

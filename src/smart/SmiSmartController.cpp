@@ -2,18 +2,11 @@
 
 #include "smart/SmartAttribute.h"
 
-#include "Smart.pb.h"
-
 namespace Velmora::Smart {
 
 SmiSmartController::SmiSmartController(const QString& firmwareVersion, QObject* parent)
     : SmartController(firmwareVersion, parent)
 {
-}
-
-void SmiSmartController::addAttribute(const Message::Smart_SmartAttribute& attribute)
-{
-    storeAttribute(attribute, decodedData(attribute));
 }
 
 double SmiSmartController::parameterValue(SmartParameter parameter, bool* ok)

@@ -12,7 +12,6 @@ class SmiSmartController : public SmartController
 public:
     SmiSmartController(const QString& firmwareVersion, QObject* parent = nullptr);
 
-    void addAttribute(const Velmora::Message::Smart_SmartAttribute& attribute) override;
     double parameterValue(SmartParameter parameter, bool* ok) override;
 };
 
