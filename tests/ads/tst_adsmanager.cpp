@@ -21,18 +21,7 @@ using Velmora::CommunicationWeb::TarnAuthorizationService;
 using Velmora::Settings::SettingsManager;
 using Answer = HttpTestServer::Answer;
 
-Q_DECLARE_METATYPE(HttpTestServer::Answer)
-
 namespace {
-
-Answer answerOf(int status, const QByteArray& body, const QByteArray& contentType = "application/json")
-{
-    Answer answer;
-    answer.status = status;
-    answer.body = body;
-    answer.contentType = contentType;
-    return answer;
-}
 
 const QByteArray Picture("\x89PNG\r\n\x1a\n first picture");
 const QByteArray OtherPicture("\x89PNG\r\n\x1a\n second picture");

@@ -13,19 +13,9 @@
 using namespace Velmora::CommunicationWeb;
 using Answer = HttpTestServer::Answer;
 
-Q_DECLARE_METATYPE(HttpTestServer::Answer)
-
 namespace {
 
 const QByteArray Api = "/kestravin/public/api/";
-
-Answer answerOf(int status, const QByteArray& body)
-{
-    Answer answer;
-    answer.status = status;
-    answer.body = body;
-    return answer;
-}
 
 Answer dropped()
 {

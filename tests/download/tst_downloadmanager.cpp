@@ -16,16 +16,11 @@
 using namespace Download;
 using Answer = HttpTestServer::Answer;
 
-Q_DECLARE_METATYPE(HttpTestServer::Answer)
-
 namespace {
 
-Answer answerOf(int status, const QByteArray& body, const QList<QPair<QByteArray, QByteArray>>& headers = {})
+Answer fileAnswer(int status, const QByteArray& body, const QList<QPair<QByteArray, QByteArray>>& headers = {})
 {
-    Answer answer;
-    answer.status = status;
-    answer.contentType = "application/octet-stream";
-    answer.body = body;
+    Answer answer = answerOf(status, body, "application/octet-stream");
     answer.extraHeaders = headers;
     return answer;
 }
@@ -124,10 +119,10 @@ void TestDownloadManager::cleanup()
 
 void TestDownloadManager::downloadsOneAtATimeStreamingToDisk()
 {
-    Answer first = answerOf(200, QByteArray(64 * 1024, 'a') + QByteArray(64 * 1024, 'b'));
+    Answer first = fileAnswer(200, QByteArray(64 * 1024, 'a') + QByteArray(64 * 1024, 'b'));
     first.stallAfter = 64 * 1024;
     m_server->enqueue(first);
-    m_server->enqueue(answerOf(200, "second"));
+    m_server->enqueue(fileAnswer(200, "second"));
     QSignalSpy finished(m_manager, &DownloadManager::finished);
     LogCapture log;
 
@@ -170,19 +165,19 @@ void TestDownloadManager::endsAsTheAnswerSays_data()
     QTest::addColumn<QByteArray>("content");  // empty: no file is left
     QTest::addColumn<QStringList>("lines");   // %1: the URL, %2: the base address' origin
 
-    QTest::newRow("ok") << answerOf(200, "hello") << true << QByteArray("hello") << QStringList{"Download succeeded [200]"};
-    QTest::newRow("zero bytes kept") << answerOf(200, QByteArray("a\0b\0", 4)) << true << QByteArray("a\0b\0", 4)
+    QTest::newRow("ok") << fileAnswer(200, "hello") << true << QByteArray("hello") << QStringList{"Download succeeded [200]"};
+    QTest::newRow("zero bytes kept") << fileAnswer(200, QByteArray("a\0b\0", 4)) << true << QByteArray("a\0b\0", 4)
                                      << QStringList{"Download succeeded [200]"};
-    QTest::newRow("not found") << answerOf(404, "missing") << false << QByteArray()
+    QTest::newRow("not found") << fileAnswer(404, "missing") << false << QByteArray()
                                << QStringList{"Failed downloading file from url: %1 to path ", "File download failed"};
     QTest::newRow("redirect elsewhere")
-        << answerOf(302, "moved", {{"Location", "https://elsewhere.example/x.bin"}}) << false << QByteArray()
+        << fileAnswer(302, "moved", {{"Location", "https://elsewhere.example/x.bin"}}) << false << QByteArray()
         << QStringList{"Request %1 was redirected with code 302", "Redirected to: https://elsewhere.example/x.bin\n", "File download failed"};
-    QTest::newRow("relative redirect") << answerOf(301, "moved", {{"Location", "/mirror/x.bin"}}) << false << QByteArray()
+    QTest::newRow("relative redirect") << fileAnswer(301, "moved", {{"Location", "/mirror/x.bin"}}) << false << QByteArray()
                                        << QStringList{"Request %1 was redirected with code 301", "Redirected to: %2/mirror/x.bin\n"};
-    QTest::newRow("redirect without target") << answerOf(308, "") << false << QByteArray()
+    QTest::newRow("redirect without target") << fileAnswer(308, "") << false << QByteArray()
                                              << QStringList{"Request %1 was redirected with code 308"};
-    QTest::newRow("306 is no redirect") << answerOf(306, "odd") << true << QByteArray("odd") << QStringList{"Download succeeded [306]"};
+    QTest::newRow("306 is no redirect") << fileAnswer(306, "odd") << true << QByteArray("odd") << QStringList{"Download succeeded [306]"};
     Answer dropped;
     dropped.drop = true;
     QTest::newRow("connection dropped") << dropped << false << QByteArray()
@@ -247,7 +242,7 @@ void TestDownloadManager::refusesWhatItCannotWrite()
     QFile plain(m_dir->filePath(QStringLiteral("plain.txt")));
     QVERIFY(plain.open(QIODevice::WriteOnly));
     plain.close();
-    m_server->enqueue(answerOf(200, "next"));
+    m_server->enqueue(fileAnswer(200, "next"));
     LogCapture log;
     QSignalSpy finished(m_manager, &DownloadManager::finished);
     const QString base = m_dir->path() + QLatin1Char('/');
@@ -283,7 +278,7 @@ void TestDownloadManager::everyHandlerGetsItsOwnCopy()
 
     Recorder second;
     m_manager->addHandler(&second);
-    m_server->enqueue(answerOf(succeeded ? 200 : 500, "x"));
+    m_server->enqueue(fileAnswer(succeeded ? 200 : 500, "x"));
     const QString url = urlOf(QStringLiteral("pic.png"));
     DownloadFile* file = nullptr;
     if (kind == QLatin1String("installer"))
@@ -315,9 +310,9 @@ void TestDownloadManager::everyHandlerGetsItsOwnCopy()
 
 void TestDownloadManager::countsGrowOverBatches()
 {
-    m_server->enqueue(answerOf(200, "1"));
-    m_server->enqueue(answerOf(404, "2"));
-    m_server->enqueue(answerOf(200, "3"));
+    m_server->enqueue(fileAnswer(200, "1"));
+    m_server->enqueue(fileAnswer(404, "2"));
+    m_server->enqueue(fileAnswer(200, "3"));
     LogCapture log;
     QSignalSpy finished(m_manager, &DownloadManager::finished);
     for (const char* name : {"a", "b", "c"})
@@ -336,7 +331,7 @@ void TestDownloadManager::countsGrowOverBatches()
 
 void TestDownloadManager::reportsProgress()
 {
-    m_server->enqueue(answerOf(200, QByteArray(200 * 1024, 'z')));
+    m_server->enqueue(fileAnswer(200, QByteArray(200 * 1024, 'z')));
     struct Step {
         QString path;
         double percent;

@@ -2,6 +2,7 @@
 
 #include <QByteArray>
 #include <QList>
+#include <QMetaType>
 #include <QMap>
 #include <QObject>
 #include <QTcpServer>
@@ -74,3 +75,17 @@ private:
     QList<QPair<QTcpSocket*, QByteArray>> m_stalled;
     quint16 m_port = 0;
 };
+
+// An answer with a status and a body, as most scripted answers are.
+inline HttpTestServer::Answer answerOf(int status, const QByteArray& body,
+    const QByteArray& contentType = "application/json")
+{
+    HttpTestServer::Answer answer;
+    answer.status = status;
+    answer.body = body;
+    answer.contentType = contentType;
+    return answer;
+}
+
+// Answers travel in data-driven test tables.
+Q_DECLARE_METATYPE(HttpTestServer::Answer)

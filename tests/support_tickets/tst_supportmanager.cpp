@@ -30,17 +30,7 @@ using MessageType = Velmora::Message::Message::MessageType;
 namespace S = Velmora::Support;
 namespace pb = Velmora::Message;
 
-Q_DECLARE_METATYPE(HttpTestServer::Answer)
-
 namespace {
-
-Answer answerOf(int status, const QByteArray& body)
-{
-    Answer answer;
-    answer.status = status;
-    answer.body = body;
-    return answer;
-}
 
 QByteArray copyResponse(int code, const QString& baseName, uint count)
 {
@@ -75,7 +65,10 @@ public:
     SupportManager* manager = nullptr;
     QString systemInfoJson() override
     {
-        QDir(manager->ticket()->directoryPath()).removeRecursively();
+        // An empty path would be the working directory.
+        const QString folder = manager->ticket()->directoryPath();
+        if (!folder.isEmpty())
+            QDir(folder).removeRecursively();
         return SystemManager::systemInfoJson();
     }
 };

@@ -18,8 +18,6 @@ using Velmora::System::SupportedDrivesFile;
 using Velmora::System::SupportedDrivesManager;
 using Answer = HttpTestServer::Answer;
 
-Q_DECLARE_METATYPE(HttpTestServer::Answer)
-
 namespace {
 
 // Entries are written "model|firmware|class".
@@ -53,14 +51,6 @@ void put(const QString& path, const QByteArray& content)
     QFile file(path);
     QVERIFY(file.open(QIODevice::WriteOnly));
     file.write(content);
-}
-
-Answer answerOf(int status, const QByteArray& body)
-{
-    Answer answer;
-    answer.status = status;
-    answer.body = body;
-    return answer;
 }
 
 const QByteArray TwoModels = R"([{"model":"SSD A1","firmware":"1.0","smartType":"B"},{"model":"SSDX","firmware":"S9","smartType":"C"}])";

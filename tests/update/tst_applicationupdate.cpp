@@ -20,18 +20,7 @@ using Velmora::Update::ApplicationUpdateStatus;
 using Answer = HttpTestServer::Answer;
 namespace U = Velmora::Update;
 
-Q_DECLARE_METATYPE(HttpTestServer::Answer)
-
 namespace {
-
-Answer answerOf(int status, const QByteArray& body, const QByteArray& contentType = "application/json")
-{
-    Answer answer;
-    answer.status = status;
-    answer.body = body;
-    answer.contentType = contentType;
-    return answer;
-}
 
 const QByteArray InstallerBytes("#!/bin/sh\n# stand-in installer\nexit 0\n");
 

@@ -19,17 +19,7 @@ using Velmora::System::SupportedDrivesManager;
 using Velmora::Update::FirmwareUpdate;
 using Answer = HttpTestServer::Answer;
 
-Q_DECLARE_METATYPE(HttpTestServer::Answer)
-
 namespace {
-
-Answer answerOf(int status, const QByteArray& body)
-{
-    Answer answer;
-    answer.status = status;
-    answer.body = body;
-    return answer;
-}
 
 // "model|firmware" of every firmware question the server saw, in order of arrival.
 QStringList questionsOf(const QList<HttpTestServer::Request>& requests)
