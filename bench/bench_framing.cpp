@@ -2,14 +2,12 @@
 // Arguments: payload bytes, frames per read, log level (2 = Info, the Debug lines are skipped;
 // 1 = Debug, every frame writes its two lines to the log file).
 
+#include "BenchmarkMain.h"
 #include "application/Logger.h"
 #include "communication/NamedPipeClient.h"
 #include "message/Message.h"
 
 #include <benchmark/benchmark.h>
-
-#include <QCoreApplication>
-#include <QDir>
 
 #include <cstring>
 #include <vector>
@@ -84,19 +82,4 @@ BENCHMARK(BM_Memcpy)
     ->Args({16, 100000})->Args({4096, 10000})->Args({1 << 20, 64})
     ->Unit(benchmark::kMicrosecond);
 
-int main(int argc, char** argv)
-{
-    QCoreApplication app(argc, argv);
-    // A log of its own, so that benchmark runs never rotate the program's log away.
-    QCoreApplication::setOrganizationName(QStringLiteral("BRANTEL"));
-    QCoreApplication::setApplicationName(QStringLiteral("KESTRAVIN_BENCH"));
-    // Benchmark output goes to the console; the log lines still go to the file, which is what the
-    // program pays for at Debug level besides its console.
-    Velmora::Logger::setConsoleEnabled(false);
-
-    benchmark::Initialize(&argc, argv);
-    benchmark::RunSpecifiedBenchmarks();
-    benchmark::Shutdown();
-    QDir(Velmora::Logger::logDirectory()).removeRecursively();
-    return 0;
-}
+KESTRAVIN_BENCHMARK_MAIN()

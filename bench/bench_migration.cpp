@@ -4,6 +4,7 @@
 // Resize arguments: partitions, log level (2 = Info, the Debug ledger is skipped; 1 = Debug, every
 // line goes to the log file).
 
+#include "BenchmarkMain.h"
 #include "application/Logger.h"
 #include "migration/FileSystemFilter.h"
 #include "migration/FileSystemNode.h"
@@ -13,9 +14,6 @@
 #include "system/Partition.h"
 
 #include <benchmark/benchmark.h>
-
-#include <QCoreApplication>
-#include <QDir>
 
 #include <cmath>
 #include <memory>
@@ -202,16 +200,4 @@ BENCHMARK(BM_ShareArithmetic)->ArgNames({"partitions"})->Arg(128)->Unit(benchmar
 BENCHMARK(BM_AddFiles)->ArgNames({"names"})->Arg(100000)->Unit(benchmark::kMillisecond);
 BENCHMARK(BM_UncheckedPaths)->ArgNames({"nodes"})->Arg(1000000)->Unit(benchmark::kMillisecond);
 
-int main(int argc, char** argv)
-{
-    QCoreApplication app(argc, argv);
-    QCoreApplication::setOrganizationName(QStringLiteral("BRANTEL"));
-    QCoreApplication::setApplicationName(QStringLiteral("KESTRAVIN_BENCH"));
-    Velmora::Logger::setConsoleEnabled(false);
-
-    benchmark::Initialize(&argc, argv);
-    benchmark::RunSpecifiedBenchmarks();
-    benchmark::Shutdown();
-    QDir(Velmora::Logger::logDirectory()).removeRecursively();
-    return 0;
-}
+KESTRAVIN_BENCHMARK_MAIN()
