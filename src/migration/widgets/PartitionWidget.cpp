@@ -31,6 +31,8 @@ PartitionWidget::PartitionWidget(Partition* partition, QWidget* parent)
 {
     setMinimumHeight(MinimumHeight);
     setFont(partitionFont());
+    m_caption.setTextFormat(Qt::PlainText);
+    m_caption.setPerformanceHint(QStaticText::AggressiveCaching);
 }
 
 void PartitionWidget::paintEvent(QPaintEvent*)
@@ -53,7 +55,7 @@ void PartitionWidget::paintUnusedSpace(QPainter& painter, const QRect& frame) co
     painter.drawText(frame.adjusted(4, 0, -4, 0), Qt::AlignCenter, m_partition->size().toString());
 }
 
-void PartitionWidget::paintPartition(QPainter& painter, const QRect& frame) const
+void PartitionWidget::paintPartition(QPainter& painter, const QRect& frame)
 {
     const QRect inner = frame.adjusted(1, 1, -1, -1);
     QLinearGradient gradient(QPointF(0, 0), QPointF(width(), 0));
@@ -74,8 +76,13 @@ void PartitionWidget::paintPartition(QPainter& painter, const QRect& frame) cons
                              .arg(m_partition->letter(), label, m_partition->used().toString(),
                                  m_partition->size().toString())
                              .trimmed();
+    if (text != m_caption.text())
+        m_caption.setText(text);
+    const QRect textArea = inner.adjusted(3, 1, -2, -UsageBarHeight);
+    const QSizeF textSize = m_caption.size();
+    painter.setClipRect(textArea);
     painter.setPen(Qt::white);
-    painter.drawText(inner.adjusted(3, 1, -2, -UsageBarHeight), Qt::AlignLeft | Qt::AlignVCenter, text);
+    painter.drawStaticText(QPointF(textArea.left(), textArea.top() + (textArea.height() - textSize.height()) / 2), m_caption);
 }
 
 } // namespace Velmora::System

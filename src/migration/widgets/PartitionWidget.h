@@ -3,6 +3,7 @@
 #include "migration/widgets/BaseSystemWidget.h"
 
 #include <QPointer>
+#include <QStaticText>
 
 namespace Velmora::System {
 
@@ -23,9 +24,11 @@ protected:
 
 private:
     void paintUnusedSpace(QPainter& painter, const QRect& frame) const;
-    void paintPartition(QPainter& painter, const QRect& frame) const;
+    void paintPartition(QPainter& painter, const QRect& frame);
 
     QPointer<Partition> m_partition;
+    // Shaping the caption is most of the cost of a paint; a replanning repaints every box.
+    QStaticText m_caption;
 };
 
 } // namespace Velmora::System
