@@ -1,11 +1,14 @@
 #include "gui/pages/HomePage.h"
 
 #include "gui/widgets/TitleLabel.h"
+#include "migration/widgets/DriveWidget.h"
 #include "system/Drive.h"
 #include "system/System.h"
 
 #include <QComboBox>
 #include <QLabel>
+#include <QScrollArea>
+#include <QScrollBar>
 #include <QVBoxLayout>
 
 namespace Velmora::Gui {
@@ -22,6 +25,9 @@ const char* const Stylesheet = R"(
     padding: 0 16px; font: 14px "Inter UI Semi Bold"; min-height: 44px; min-width: 420px;
 }
 #DriveSelectComboBox:hover { background-color: rgb(0, 34, 89); }
+QScrollBar:vertical { background: rgb(0, 2, 63); width: 8px; margin: 0; }
+QScrollBar::handle:vertical { background: rgb(91, 148, 198); min-height: 24px; }
+QScrollBar::add-line:vertical, QScrollBar::sub-line:vertical { height: 0; }
 #DriveSelectComboBox QAbstractItemView {
     background-color: rgb(0, 2, 63); color: rgb(255, 255, 255);
     selection-background-color: rgb(0, 36, 94); outline: none;
@@ -30,6 +36,7 @@ const char* const Stylesheet = R"(
 
 // The first entry of the list stands for "nothing chosen yet".
 constexpr int PlaceholderData = -1;
+constexpr int DriveBarWidth = 720;
 
 } // namespace
 
@@ -78,21 +85,69 @@ void HomePage::buildForm()
     DriveSelectComboBox->setObjectName(QStringLiteral("DriveSelectComboBox"));
     DriveSelectComboBox->hide();
     layout->addWidget(DriveSelectComboBox, 0, Qt::AlignHCenter);
+
+    // A machine with many drives scrolls their bars rather than growing the page past the window.
+    auto* driveBarArea = new QScrollArea(this);
+    driveBarArea->setObjectName(QStringLiteral("driveBarArea"));
+    driveBarArea->setFrameShape(QFrame::NoFrame);
+    driveBarArea->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
+    driveBarArea->setWidgetResizable(true);
+    driveBarArea->viewport()->setAutoFillBackground(false);
+    auto* driveBars = new QWidget(driveBarArea);
+    driveBars->setFixedWidth(DriveBarWidth);
+    layout_driveBars = new QVBoxLayout(driveBars);
+    layout_driveBars->setContentsMargins(0, 0, 0, 0);
+    layout_driveBars->setSpacing(12);
+    layout_driveBars->addStretch();
+    driveBarArea->setWidget(driveBars);
+    driveBars->setAutoFillBackground(false);
+    driveBarArea->setFixedWidth(DriveBarWidth + driveBarArea->verticalScrollBar()->sizeHint().width());
+    driveBarArea->setSizePolicy(QSizePolicy::Fixed, QSizePolicy::Preferred);
+    layout->addWidget(driveBarArea, 0, Qt::AlignHCenter);
     layout->addStretch(3);
 }
 
 void HomePage::onDriveAdded(int driveId)
 {
-    const System::Drive* drive = system->drive(driveId);
+    System::Drive* drive = system->drive(driveId);
     // Drives behind USB are not looked after; the main window's drive box leaves them out as well.
-    if (drive && !drive->isUsb())
+    if (drive && !drive->isUsb()) {
         DriveSelectComboBox->addItem(drive->displayText(true), driveId);
+        addDriveBar(drive);
+    }
     DriveSelectComboBox->show();
     label_noDrives->hide();
 }
 
+void HomePage::addDriveBar(System::Drive* drive)
+{
+    auto* bar = new System::DriveWidget(this);
+    bar->setCursor(Qt::PointingHandCursor);
+    bar->setDrive(drive);
+    const int driveId = drive->id();
+    connect(bar, &System::DriveWidget::clicked, this, [this, driveId] { onDriveBarClicked(driveId); });
+    delete driveBars.take(driveId);
+    driveBars.insert(driveId, bar);
+    // Above the stretch that keeps the bars together at the top.
+    layout_driveBars->insertWidget(layout_driveBars->count() - 1, bar);
+}
+
+void HomePage::onDriveBarClicked(int driveId)
+{
+    const int index = DriveSelectComboBox->findData(driveId);
+    if (index < 0)
+        return;
+    // Chosen here, the drive is shown even when the list already names it.
+    {
+        const QSignalBlocker blocker(DriveSelectComboBox);
+        DriveSelectComboBox->setCurrentIndex(index);
+    }
+    emit changeCurrentDrive(driveId);
+}
+
 void HomePage::onDriveRemoved(int driveId)
 {
+    delete driveBars.take(driveId);
     const int index = DriveSelectComboBox->findData(driveId);
     if (index < 0)
         return;

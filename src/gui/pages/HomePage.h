@@ -2,10 +2,15 @@
 
 #include "gui/Page.h"
 
+#include <QMap>
+
 class QComboBox;
 class QLabel;
+class QVBoxLayout;
 
 namespace Velmora::System {
+class Drive;
+class DriveWidget;
 class System;
 }
 
@@ -29,10 +34,15 @@ private slots:
 
 private:
     void buildForm();
+    void addDriveBar(Velmora::System::Drive* drive);
+    void onDriveBarClicked(int driveId);
 
     Velmora::System::System* system;
     QLabel* label_noDrives = nullptr;
     QComboBox* DriveSelectComboBox = nullptr;
+    // The partitions of each listed drive; a click on one chooses that drive.
+    QVBoxLayout* layout_driveBars = nullptr;
+    QMap<int, Velmora::System::DriveWidget*> driveBars;
 };
 
 } // namespace Velmora::Gui

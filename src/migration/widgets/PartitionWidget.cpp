@@ -72,10 +72,12 @@ void PartitionWidget::paintPartition(QPainter& painter, const QRect& frame)
     painter.drawRect(frame.adjusted(0, 0, -1, -1));
 
     const QString label = m_partition->label().isEmpty() ? QString() : QStringLiteral("[%1]").arg(m_partition->label());
-    const QString text = QStringLiteral("%1 %2\n%3 / %4")
+    QString text = QStringLiteral("%1 %2\n%3 / %4")
                              .arg(m_partition->letter(), label, m_partition->used().toString(),
                                  m_partition->size().toString())
                              .trimmed();
+    // A static text breaks lines only at the Unicode separator.
+    text.replace(QLatin1Char('\n'), QChar::LineSeparator);
     if (text != m_caption.text())
         m_caption.setText(text);
     const QRect textArea = inner.adjusted(3, 1, -2, -UsageBarHeight);
