@@ -87,7 +87,7 @@ void HomePage::buildForm()
     layout->addWidget(DriveSelectComboBox, 0, Qt::AlignHCenter);
 
     // A machine with many drives scrolls their bars rather than growing the page past the window.
-    auto* driveBarArea = new QScrollArea(this);
+    driveBarArea = new QScrollArea(this);
     driveBarArea->setObjectName(QStringLiteral("driveBarArea"));
     driveBarArea->setFrameShape(QFrame::NoFrame);
     driveBarArea->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
@@ -102,8 +102,9 @@ void HomePage::buildForm()
     driveBarArea->setWidget(driveBars);
     driveBars->setAutoFillBackground(false);
     driveBarArea->setFixedWidth(DriveBarWidth + driveBarArea->verticalScrollBar()->sizeHint().width());
-    driveBarArea->setSizePolicy(QSizePolicy::Fixed, QSizePolicy::Preferred);
-    layout->addWidget(driveBarArea, 0, Qt::AlignHCenter);
+    driveBarArea->setMaximumHeight(0);
+    // Before the spacers get any of the height, the bars get what they need.
+    layout->addWidget(driveBarArea, 10, Qt::AlignHCenter);
     layout->addStretch(3);
 }
 
@@ -121,8 +122,10 @@ void HomePage::onDriveAdded(int driveId)
 
 void HomePage::addDriveBar(System::Drive* drive)
 {
-    auto* bar = new System::DriveWidget(this);
+    auto* bar = new System::DriveWidget(layout_driveBars->parentWidget());
     bar->setCursor(Qt::PointingHandCursor);
+    // An empty drive would otherwise show an empty bar.
+    bar->setShowFreeSpace(true);
     bar->setDrive(drive);
     const int driveId = drive->id();
     connect(bar, &System::DriveWidget::clicked, this, [this, driveId] { onDriveBarClicked(driveId); });
@@ -130,6 +133,18 @@ void HomePage::addDriveBar(System::Drive* drive)
     driveBars.insert(driveId, bar);
     // Above the stretch that keeps the bars together at the top.
     layout_driveBars->insertWidget(layout_driveBars->count() - 1, bar);
+    // Shown now, not at the next turn of the loop, so that the area's height counts it.
+    bar->show();
+    fitDriveBarArea();
+}
+
+void HomePage::fitDriveBarArea()
+{
+    // The area grows with the page up to the height of all bars, and scrolls when the page is
+    // lower than that, down to two bars.
+    const int allBars = layout_driveBars->sizeHint().height();
+    driveBarArea->setMaximumHeight(allBars);
+    driveBarArea->setMinimumHeight(qMin(allBars, 2 * System::DriveWidget::FixedHeight + layout_driveBars->spacing()));
 }
 
 void HomePage::onDriveBarClicked(int driveId)
@@ -148,6 +163,7 @@ void HomePage::onDriveBarClicked(int driveId)
 void HomePage::onDriveRemoved(int driveId)
 {
     delete driveBars.take(driveId);
+    fitDriveBarArea();
     const int index = DriveSelectComboBox->findData(driveId);
     if (index < 0)
         return;

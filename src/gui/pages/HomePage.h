@@ -6,6 +6,7 @@
 
 class QComboBox;
 class QLabel;
+class QScrollArea;
 class QVBoxLayout;
 
 namespace Velmora::System {
@@ -35,12 +36,14 @@ private slots:
 private:
     void buildForm();
     void addDriveBar(Velmora::System::Drive* drive);
+    void fitDriveBarArea();
     void onDriveBarClicked(int driveId);
 
     Velmora::System::System* system;
     QLabel* label_noDrives = nullptr;
     QComboBox* DriveSelectComboBox = nullptr;
     // The partitions of each listed drive; a click on one chooses that drive.
+    QScrollArea* driveBarArea = nullptr;
     QVBoxLayout* layout_driveBars = nullptr;
     QMap<int, Velmora::System::DriveWidget*> driveBars;
 };
