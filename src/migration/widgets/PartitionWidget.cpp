@@ -23,6 +23,17 @@ QFont partitionFont()
     return font;
 }
 
+// The letter, the label in brackets, and how much of the size is used, on two lines. A static text
+// breaks lines only at the Unicode separator.
+QString captionOf(const Partition& partition)
+{
+    const QString label = partition.label().isEmpty() ? QString() : QStringLiteral("[%1]").arg(partition.label());
+    QString text = QStringLiteral("%1 %2\n%3 / %4")
+                       .arg(partition.letter(), label, partition.used().toString(), partition.size().toString())
+                       .trimmed();
+    return text.replace(QLatin1Char('\n'), QChar::LineSeparator);
+}
+
 } // namespace
 
 PartitionWidget::PartitionWidget(Partition* partition, QWidget* parent)
@@ -62,7 +73,7 @@ void PartitionWidget::paintPartition(QPainter& painter, const QRect& frame)
     gradient.setColorAt(0, GradientStart);
     gradient.setColorAt(1, GradientEnd);
 
-    // The service may report more in use than the partition holds while it is being shrunk.
+    // A plan may size a partition below what is in use on the source.
     const double share = double(m_partition->used().value()) / double(m_partition->size().value());
     const int barWidth = qMin(inner.width(), qRound(share * inner.width()));
     if (barWidth > 0)
@@ -71,20 +82,14 @@ void PartitionWidget::paintPartition(QPainter& painter, const QRect& frame)
     painter.setPen(FrameColor);
     painter.drawRect(frame.adjusted(0, 0, -1, -1));
 
-    const QString label = m_partition->label().isEmpty() ? QString() : QStringLiteral("[%1]").arg(m_partition->label());
-    QString text = QStringLiteral("%1 %2\n%3 / %4")
-                             .arg(m_partition->letter(), label, m_partition->used().toString(),
-                                 m_partition->size().toString())
-                             .trimmed();
-    // A static text breaks lines only at the Unicode separator.
-    text.replace(QLatin1Char('\n'), QChar::LineSeparator);
+    const QString text = captionOf(*m_partition);
     if (text != m_caption.text())
         m_caption.setText(text);
     const QRect textArea = inner.adjusted(3, 1, -2, -UsageBarHeight);
-    const QSizeF textSize = m_caption.size();
     painter.setClipRect(textArea);
     painter.setPen(Qt::white);
-    painter.drawStaticText(QPointF(textArea.left(), textArea.top() + (textArea.height() - textSize.height()) / 2), m_caption);
+    const double top = textArea.top() + (textArea.height() - m_caption.size().height()) / 2;
+    painter.drawStaticText(QPointF(textArea.left(), top), m_caption);
 }
 
 } // namespace Velmora::System
