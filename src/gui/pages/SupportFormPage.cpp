@@ -159,9 +159,14 @@ void SupportFormPage::updateVerticalScrollBar()
         return;
     }
     verticalScrollBar->show();
+    const int target = int(std::lround(double(inner->value() - minimum) / (maximum - minimum) * ScrollScale));
+    // Every keystroke moves the cursor and lands here; restarting a glide that already heads for the
+    // same place would hold the handle still for as long as the user types.
+    if (scrollBarTimeLine->state() == QTimeLine::Running && scrollBarTimeLine->endFrame() == target)
+        return;
     scrollBarTimeLine->stop();
     scrollBarTimeLine->setStartFrame(verticalScrollBar->value());
-    scrollBarTimeLine->setEndFrame(int(std::lround(double(inner->value() - minimum) / (maximum - minimum) * ScrollScale)));
+    scrollBarTimeLine->setEndFrame(target);
     scrollBarTimeLine->start();
 }
 

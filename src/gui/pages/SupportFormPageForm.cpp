@@ -11,6 +11,7 @@
 #include <QHBoxLayout>
 #include <QLabel>
 #include <QLineEdit>
+#include <QPalette>
 #include <QPlainTextEdit>
 #include <QPushButton>
 #include <QScrollBar>
@@ -20,6 +21,8 @@ namespace Velmora::Gui {
 
 namespace {
 
+// The text fields take their colours from the palette, not from a "color" rule: such a rule would
+// also paint the placeholders in full white.
 // Fields start with a transparent frame, the same as a filled one, so that only a red frame stands
 // out. The border widths match those of the validation stylesheets: a frame that changes colour
 // must not move the text.
@@ -30,15 +33,13 @@ const char* const Stylesheet = R"(
 #statusLabel { font: 14px "Inter UI Semi Bold"; }
 #label_captcha { background-color: rgb(0, 2, 63); color: rgb(140, 150, 195); font: 12px "Inter UI"; }
 QPlainTextEdit, QLineEdit, QComboBox {
-    background-color: rgb(0, 2, 63); color: rgb(255, 255, 255); border: 1px solid transparent;
+    background-color: rgb(0, 2, 63); border: 1px solid transparent;
     selection-background-color: rgb(0, 59, 114); font: 14px "Inter UI";
 }
+QComboBox { color: rgb(255, 255, 255); }
 QPlainTextEdit { padding: 8px; }
 QLineEdit, QComboBox { padding: 0 12px; min-height: 38px; }
 QComboBox:hover { background-color: rgb(0, 34, 89); }
-QComboBox::drop-down { border: none; width: 28px; }
-QComboBox::down-arrow { width: 0; height: 0; border-left: 5px solid transparent; border-right: 5px solid transparent;
-    border-top: 6px solid rgb(0, 225, 255); }
 QComboBox QAbstractItemView {
     background-color: rgb(0, 2, 63); color: rgb(255, 255, 255); selection-background-color: rgb(0, 36, 94);
     outline: none; border: 1px solid rgb(0, 36, 94);
@@ -62,6 +63,14 @@ QLabel* newLabel(const QString& objectName, const QString& text, QWidget* parent
     auto* label = new QLabel(text, parent);
     label->setObjectName(objectName);
     return label;
+}
+
+void setTextColors(QWidget* field)
+{
+    QPalette palette = field->palette();
+    palette.setColor(QPalette::Text, QColor(255, 255, 255));
+    palette.setColor(QPalette::PlaceholderText, QColor(110, 122, 170));
+    field->setPalette(palette);
 }
 
 QLineEdit* newLineEdit(const QString& objectName, const QString& placeholder, QWidget* parent)
@@ -127,6 +136,8 @@ void SupportFormPage::buildForm()
            "ASK AT ANY TIME TO SEE, CORRECT OR DELETE THEM."),
         fieldsPanel);
     regulatoryLabel->setWordWrap(true);
+    for (QWidget* field : std::initializer_list<QWidget*>{supportFormMessage, lineEdit_email, lineEdit_captcha})
+        setTextColors(field);
 
     for (QLabel* caption : {yourSSDLabel, yourEmailLabel, label})
         caption->setFixedWidth(CaptionWidth);
