@@ -53,7 +53,7 @@ QComboBox QAbstractItemView {
 #verticalScrollBar::add-page, #verticalScrollBar::sub-page { background: none; }
 )";
 
-constexpr int CaptionWidth = 110;
+constexpr int CaptionWidth = 104;
 // The back-end's pictures are about this size; anything else is stretched to it.
 constexpr int CaptchaWidth = 164;
 constexpr int CaptchaHeight = 52;
@@ -159,8 +159,9 @@ void SupportFormPage::buildForm()
 
     auto* formLayout = new QHBoxLayout;
     formLayout->setSpacing(24);
-    formLayout->addWidget(messagePanel, 3);
-    formLayout->addWidget(fieldsPanel, 2);
+    // Even halves: the drive's name with its size and letters needs the room at 1280 pixels.
+    formLayout->addWidget(messagePanel, 1);
+    formLayout->addWidget(fieldsPanel, 1);
 
     statusLabel = newLabel(QStringLiteral("statusLabel"), QString(), this);
     pushButton_contactSupport = newButton(QStringLiteral("pushButton_contactSupport"), tr("SEND MESSAGE"), this);
