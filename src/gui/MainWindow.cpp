@@ -9,6 +9,7 @@
 #include "gui/pages/PerformanceCheckPage.h"
 #include "gui/pages/SSDStatusPage.h"
 #include "gui/pages/SmartParametersPage.h"
+#include "gui/pages/SupportFormPage.h"
 #include "gui/TitleBar.h"
 #include "gui/views/AboutWidget.h"
 #include "gui/views/AdWidget.h"
@@ -197,10 +198,13 @@ Page* MainWindow::createPage(Page::PageId id)
         return collaborators.performanceCheck ? new PerformanceCheckPage(collaborators.performanceCheck) : nullptr;
     case Page::FirmwareUpdateId:
         return collaborators.firmwareUpdate ? new FirmwareUpdatePage(collaborators.firmwareUpdate, system) : nullptr;
+    case Page::TechnicalSupportId:
+        return collaborators.supportManager && collaborators.supportCaptcha
+            ? new SupportFormPage(collaborators.supportManager, collaborators.supportCaptcha, system)
+            : nullptr;
     // Still to come: until then the menu entries show their caption on an empty page.
     case Page::DataMigrationId:
     case Page::SettingsId:
-    case Page::TechnicalSupportId:
         return new PagePlaceholder(id, menu->caption(id));
     case Page::HomeId:
     case Page::SsdManagementId:

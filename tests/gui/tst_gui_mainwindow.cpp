@@ -19,6 +19,10 @@
 #include "performance/PerformanceCheck.h"
 #include "rest/RestClient.h"
 #include "settings/SettingsManager.h"
+#include "smart/SmartManager.h"
+#include "support/SupportCaptcha.h"
+#include "support/SupportManager.h"
+#include "support/SupportServiceHandler.h"
 #include "system/Bytes.h"
 #include "system/Drive.h"
 #include "system/System.h"
@@ -120,6 +124,10 @@ struct ProgramParts
     Update::ApplicationUpdate applicationUpdate { &restClient, &authorization, &downloads };
     Update::FirmwareUpdate firmwareUpdate { &system, &restClient, &authorization };
     Ads::AdsManager adsManager { &restClient, &authorization, &downloads, nullptr, 3600 * 1000 };
+    Smart::SmartManager smartManager { &system };
+    Support::SupportServiceHandler supportHandler;
+    Support::SupportManager supportManager { &systemManager, &smartManager, &supportHandler, &restClient, &authorization };
+    Support::SupportCaptcha supportCaptcha { &downloads, restClient.baseUrl() };
 
     Gui::MainWindow::Collaborators collaborators()
     {
@@ -131,6 +139,8 @@ struct ProgramParts
         all.applicationUpdate = &applicationUpdate;
         all.firmwareUpdate = &firmwareUpdate;
         all.adsManager = &adsManager;
+        all.supportManager = &supportManager;
+        all.supportCaptcha = &supportCaptcha;
         return all;
     }
 };
@@ -276,7 +286,7 @@ void TestGuiMainWindow::pagesAreCreatedOnFirstShowOnly()
         { Page::PerformanceTestId, QStringLiteral("PERFORMANCE CHECK") },
         { Page::FirmwareUpdateId, QStringLiteral("FIRMWARE UPDATE") },
         { Page::DataMigrationId, QStringLiteral("DATA MIGRATION") }, { Page::SettingsId, QStringLiteral("SETTINGS") },
-        { Page::TechnicalSupportId, QStringLiteral("TECHNICAL SUPPORT") } };
+        { Page::TechnicalSupportId, QStringLiteral("CONTACT FORM") } };
     QMap<Page::PageId, QWidget*> made;
     for (Page::PageId id : lazy) {
         const int before = stack->count();
