@@ -8,12 +8,16 @@
 #include "gui/pages/HomePage.h"
 #include "gui/pages/PerformanceCheckPage.h"
 #include "gui/pages/SSDStatusPage.h"
+#include "gui/pages/SettingsPage.h"
 #include "gui/pages/SmartParametersPage.h"
 #include "gui/TitleBar.h"
 #include "gui/views/AboutWidget.h"
 #include "gui/views/AdWidget.h"
 #include "migration/Migration.h"
 #include "migration/MigrationController.h"
+#include "settings/GeneralSettings.h"
+#include "settings/SmartSettings.h"
+#include "settings/UpdateSettings.h"
 #include "system/Drive.h"
 #include "system/System.h"
 #include "update/ApplicationUpdate.h"
@@ -197,9 +201,10 @@ Page* MainWindow::createPage(Page::PageId id)
         return collaborators.performanceCheck ? new PerformanceCheckPage(collaborators.performanceCheck) : nullptr;
     case Page::FirmwareUpdateId:
         return collaborators.firmwareUpdate ? new FirmwareUpdatePage(collaborators.firmwareUpdate, system) : nullptr;
+    case Page::SettingsId:
+        return createSettingsPage();
     // Still to come: until then the menu entries show their caption on an empty page.
     case Page::DataMigrationId:
-    case Page::SettingsId:
     case Page::TechnicalSupportId:
         return new PagePlaceholder(id, menu->caption(id));
     case Page::HomeId:
@@ -209,6 +214,16 @@ Page* MainWindow::createPage(Page::PageId id)
         break;
     }
     return nullptr;
+}
+
+Page* MainWindow::createSettingsPage()
+{
+    auto* page = new SettingsPage;
+    page->addCategory(new Settings::GeneralSettings(page));
+    page->addCategory(new Settings::SmartSettings(page));
+    if (collaborators.applicationUpdate)
+        page->addCategory(new Settings::UpdateSettings(this, collaborators.applicationUpdate, page));
+    return page;
 }
 
 void MainWindow::addPage(Page::PageId id, Page* page)
@@ -289,6 +304,11 @@ void MainWindow::showDriveStatusPage()
 
 void MainWindow::showSettingsPage()
 {
+    // The footer stays visible under the about view and an advertisement: leave them for the page.
+    if (adWidget && adWidget->isVisible())
+        onAdCloseRequest();
+    if (aboutWidget)
+        onAboutAppCloseRequest();
     changePage(Page::SettingsId);
 }
 
