@@ -5,6 +5,7 @@
 #include <QHBoxLayout>
 #include <QLabel>
 #include <QSignalBlocker>
+#include <QStyledItemDelegate>
 #include <QVBoxLayout>
 
 namespace Velmora::Settings {
@@ -23,6 +24,8 @@ GeneralSettingsWidget::GeneralSettingsWidget(QWidget* parent)
     comboBox_language = new QComboBox(this);
     comboBox_language->setObjectName(QStringLiteral("comboBox_language"));
     comboBox_language->setSizeAdjustPolicy(QComboBox::AdjustToContents);
+    // Lets the page's stylesheet give the items of the open list their room.
+    comboBox_language->setItemDelegate(new QStyledItemDelegate(comboBox_language));
     label_languageChangeInfo = new QLabel(tr("CHANGES WILL TAKE EFFECT AFTER AN APPLICATION RESTART"), this);
     label_languageChangeInfo->setObjectName(QStringLiteral("label_languageChangeInfo"));
     label_languageChangeInfo->setWordWrap(true);

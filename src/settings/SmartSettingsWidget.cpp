@@ -4,6 +4,7 @@
 #include <QHBoxLayout>
 #include <QLabel>
 #include <QSignalBlocker>
+#include <QStyledItemDelegate>
 
 namespace Velmora::Settings {
 
@@ -16,6 +17,8 @@ SmartSettingsWidget::SmartSettingsWidget(QWidget* parent)
     comboBox_tempReadoutInterval = new QComboBox(this);
     comboBox_tempReadoutInterval->setObjectName(QStringLiteral("comboBox_tempReadoutInterval"));
     comboBox_tempReadoutInterval->setSizeAdjustPolicy(QComboBox::AdjustToContents);
+    // Lets the page's stylesheet give the items of the open list their room.
+    comboBox_tempReadoutInterval->setItemDelegate(new QStyledItemDelegate(comboBox_tempReadoutInterval));
 
     auto* layout = new QHBoxLayout(this);
     layout->setContentsMargins(24, 20, 24, 20);

@@ -1,5 +1,6 @@
 #include "update/UpdateSettingsWidget.h"
 
+#include "gui/pages/PageStyle.h"
 #include "gui/widgets/ParamValueWidget.h"
 #include "gui/widgets/ProgressBar.h"
 
@@ -70,6 +71,7 @@ void UpdateSettingsWidget::buildForm()
     pushButton_updateApplication->setObjectName(QStringLiteral("pushButton_updateApplication"));
     pushButton_about = new QPushButton(tr("ABOUT"), this);
     pushButton_about->setObjectName(QStringLiteral("pushButton_about"));
+    Gui::PageStyle::markPrimary(pushButton_updateApplication);
     auto* buttonLayout = new QHBoxLayout;
     buttonLayout->setSpacing(16);
     for (QPushButton* button : { pushButton_checkForUpdates, pushButton_updateApplication, pushButton_about })

@@ -26,6 +26,9 @@ QCheckBox::indicator:checked {
     background: qlineargradient(x1: 0, y1: 0, x2: 1, y2: 1, stop: 0 rgb(0, 225, 255), stop: 1 rgb(160, 3, 218));
 }
 #label_languageChangeInfo { color: rgb(0, 225, 255); }
+QComboBox { combobox-popup: 0; }
+QComboBox QAbstractItemView { border: 1px solid rgb(16, 44, 107); outline: none; }
+QComboBox QAbstractItemView::item { min-height: 28px; padding: 0 8px; }
 )";
 
 } // namespace
@@ -44,7 +47,7 @@ SettingsPage::SettingsPage(QWidget* parent)
     frameLayout->addItem(new QSpacerItem(0, 0, QSizePolicy::Minimum, QSizePolicy::Expanding));
 
     auto* layout = new QVBoxLayout(this);
-    layout->setContentsMargins(40, 8, 40, 32);
+    layout->setContentsMargins(40, 16, 40, 32);
     layout->addWidget(frame);
 }
 
