@@ -29,17 +29,20 @@ GeneralSettingsWidget::GeneralSettingsWidget(QWidget* parent)
     label_languageChangeInfo = new QLabel(tr("CHANGES WILL TAKE EFFECT AFTER AN APPLICATION RESTART"), this);
     label_languageChangeInfo->setObjectName(QStringLiteral("label_languageChangeInfo"));
     label_languageChangeInfo->setWordWrap(true);
-    // Keeps its room while hidden, so that the page does not jump when it appears.
+    // Keeps its room while hidden, so that the list keeps its width and nothing moves when it shows.
     QSizePolicy hintPolicy = label_languageChangeInfo->sizePolicy();
     hintPolicy.setRetainSizeWhenHidden(true);
     label_languageChangeInfo->setSizePolicy(hintPolicy);
     label_languageChangeInfo->hide();
 
+    // The hint stands beside the list it is about, so that it takes no row of its own.
     auto* languageLayout = new QHBoxLayout;
     languageLayout->setSpacing(16);
     languageLayout->addWidget(label_language);
     languageLayout->addWidget(comboBox_language);
-    languageLayout->addStretch(1);
+    languageLayout->addSpacing(8);
+    // It takes the rest of the row, and wraps only where the window is too narrow for it.
+    languageLayout->addWidget(label_languageChangeInfo, 1);
 
     auto* layout = new QVBoxLayout(this);
     layout->setContentsMargins(24, 20, 24, 20);
@@ -47,7 +50,6 @@ GeneralSettingsWidget::GeneralSettingsWidget(QWidget* parent)
     layout->addWidget(startOnSystemStartupBox);
     layout->addWidget(enableUpdates);
     layout->addLayout(languageLayout);
-    layout->addWidget(label_languageChangeInfo);
 
     connect(startOnSystemStartupBox, &QCheckBox::toggled, this, &GeneralSettingsWidget::settingsChanged);
     connect(enableUpdates, &QCheckBox::toggled, this, &GeneralSettingsWidget::settingsChanged);
