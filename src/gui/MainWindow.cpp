@@ -8,6 +8,7 @@
 #include "gui/pages/HomePage.h"
 #include "gui/pages/PerformanceCheckPage.h"
 #include "gui/pages/SSDStatusPage.h"
+#include "gui/pages/SettingsPage.h"
 #include "gui/pages/SmartParametersPage.h"
 #include "gui/pages/SupportFormPage.h"
 #include "gui/TitleBar.h"
@@ -15,6 +16,9 @@
 #include "gui/views/AdWidget.h"
 #include "migration/Migration.h"
 #include "migration/MigrationController.h"
+#include "settings/GeneralSettings.h"
+#include "settings/SmartSettings.h"
+#include "settings/UpdateSettings.h"
 #include "system/Drive.h"
 #include "system/System.h"
 #include "update/ApplicationUpdate.h"
@@ -202,9 +206,10 @@ Page* MainWindow::createPage(Page::PageId id)
         return collaborators.supportManager && collaborators.supportCaptcha
             ? new SupportFormPage(collaborators.supportManager, collaborators.supportCaptcha, system)
             : nullptr;
+    case Page::SettingsId:
+        return createSettingsPage();
     // Still to come: until then the menu entries show their caption on an empty page.
     case Page::DataMigrationId:
-    case Page::SettingsId:
         return new PagePlaceholder(id, menu->caption(id));
     case Page::HomeId:
     case Page::SsdManagementId:
@@ -213,6 +218,16 @@ Page* MainWindow::createPage(Page::PageId id)
         break;
     }
     return nullptr;
+}
+
+Page* MainWindow::createSettingsPage()
+{
+    auto* page = new SettingsPage;
+    page->addCategory(new Settings::GeneralSettings(page));
+    page->addCategory(new Settings::SmartSettings(page));
+    if (collaborators.applicationUpdate)
+        page->addCategory(new Settings::UpdateSettings(this, collaborators.applicationUpdate, page));
+    return page;
 }
 
 void MainWindow::addPage(Page::PageId id, Page* page)
@@ -293,6 +308,11 @@ void MainWindow::showDriveStatusPage()
 
 void MainWindow::showSettingsPage()
 {
+    // The footer stays visible under the about view and an advertisement: leave them for the page.
+    if (adWidget && adWidget->isVisible())
+        onAdCloseRequest();
+    if (aboutWidget)
+        onAboutAppCloseRequest();
     changePage(Page::SettingsId);
 }
 

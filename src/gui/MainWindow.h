@@ -106,6 +106,7 @@ private:
     QWidget* buildHeader();
     void buildFooters(QVBoxLayout* layout);
     Page* createPage(Page::PageId id);
+    Page* createSettingsPage();
     void addPage(Page::PageId id, Page* page);
     void showDriveSection();
     void connectCollaborators();

@@ -41,13 +41,18 @@ bool XdgAutostart::isEnabled() const
     QFile entry(m_entryPath);
     if (!entry.open(QIODevice::ReadOnly | QIODevice::Text))
         return false;
+    // Session settings switch an entry off without removing it, by one of these two lines.
+    bool exec = false;
+    bool switchedOff = false;
     QTextStream in(&entry);
     while (!in.atEnd()) {
         const QString line = in.readLine().trimmed();
         if (line.startsWith(QLatin1String(ExecKey)))
-            return line.mid(static_cast<int>(qstrlen(ExecKey))) == commandLine(m_programPath);
+            exec = line.mid(static_cast<int>(qstrlen(ExecKey))) == commandLine(m_programPath);
+        else if (line == QLatin1String("Hidden=true") || line == QLatin1String("X-GNOME-Autostart-enabled=false"))
+            switchedOff = true;
     }
-    return false;
+    return exec && !switchedOff;
 }
 
 void XdgAutostart::setEnabled(bool enabled)

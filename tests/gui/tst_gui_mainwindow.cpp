@@ -12,6 +12,7 @@
 #include "gui/MenuBar.h"
 #include "gui/PagePlaceholder.h"
 #include "gui/pages/HomePage.h"
+#include "gui/pages/SettingsPage.h"
 #include "gui/views/AboutWidget.h"
 #include "gui/views/AdWidget.h"
 #include "migration/Migration.h"
@@ -77,6 +78,8 @@ QString currentPageCaption(const Gui::MainWindow& window)
     const auto* placeholder = qobject_cast<const Gui::PagePlaceholder*>(stack->currentWidget());
     if (placeholder)
         return placeholder->caption();
+    if (qobject_cast<const Gui::SettingsPage*>(stack->currentWidget()))
+        return QStringLiteral("SETTINGS");
     const auto* title = stack->currentWidget()->findChild<QLabel*>(QStringLiteral("titleLabel"));
     return title ? title->text() : QString();
 }
