@@ -3,6 +3,7 @@
 #include "application/Logger.h"
 #include "message/Payload.h"
 #include "settings/SettingsManager.h"
+#include "settings/StoredValue.h"
 #include "smart/SmartAttribute.h"
 #include "smart/SmartController.h"
 #include "system/Drive.h"
@@ -44,7 +45,7 @@ void SmartManager::clientConnected()
 
 void SmartManager::updateSmartReadTimer()
 {
-    applyReadInterval(Settings::SettingsManager::value(SettingsGroup, ReadIntervalKey, DefaultReadInterval).toInt());
+    applyReadInterval(Settings::storedInt(SettingsGroup, ReadIntervalKey, DefaultReadInterval));
 }
 
 void SmartManager::onSettingsChanged(QString group, QString key, QVariant value)

@@ -1,6 +1,7 @@
 #include "update/AutomaticUpdateCheck.h"
 
 #include "settings/SettingsManager.h"
+#include "settings/StoredValue.h"
 #include "system/System.h"
 #include "update/UpdateInterface.h"
 
@@ -35,7 +36,7 @@ AutomaticUpdateCheck::AutomaticUpdateCheck(System::System* system, const QList<U
 
     connect(Settings::SettingsManager::instance(), &Settings::SettingsManager::settingsChanged, this,
         &AutomaticUpdateCheck::onSettingsChanged);
-    setActive(!Settings::SettingsManager::value(SettingsGroup, DisableUpdatesKey, false).toBool());
+    setActive(!Settings::storedBool(SettingsGroup, DisableUpdatesKey, false));
 }
 
 void AutomaticUpdateCheck::setActive(bool active)

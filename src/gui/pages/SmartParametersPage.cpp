@@ -5,7 +5,7 @@
 #include "gui/widgets/ProgressBar.h"
 #include "gui/widgets/TimeGraph.h"
 #include "gui/widgets/TitleLabel.h"
-#include "settings/SettingsManager.h"
+#include "settings/StoredValue.h"
 #include "smart/SmartController.h"
 #include "system/Drive.h"
 #include "system/System.h"
@@ -196,8 +196,7 @@ void SmartParametersPage::showWrittenData(SmartController* controller)
 
     // The graph's columns are one read-out apart. With no interval set, or read-outs switched
     // off, there is no time axis to lay the history on.
-    const int interval =
-        Settings::SettingsManager::value(QStringLiteral("SMART"), QStringLiteral("ReadInterval"), QVariant()).toInt();
+    const int interval = Settings::storedInt(QStringLiteral("SMART"), QStringLiteral("ReadInterval"), 0);
     if (interval == 0) {
         GBWrittenGraph->clear();
     } else {
