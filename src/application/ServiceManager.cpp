@@ -72,7 +72,10 @@ void ServiceManager::changeStatus(ServiceStatus newStatus)
 
 void ServiceManager::updateServiceState()
 {
-    if (m_status == Failed)
+    // A service that is already running is reached by the pipe client at once, often before this
+    // first look: once it has answered there is nothing left to find out, and arming the watchdog
+    // now would end a healthy program after a quiet quarter of a minute.
+    if (m_status == Failed || m_status == Responding)
         return;
     switch (m_control->query()) {
     case State::ManagerUnavailable:
