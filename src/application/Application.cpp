@@ -4,6 +4,7 @@
 #include "gui/ApplicationFonts.h"
 #include "platform/Autostart.h"
 #include "settings/SettingsManager.h"
+#include "update/ApplicationUpdate.h"
 
 #include <QDirIterator>
 #include <QFile>
@@ -29,6 +30,7 @@ Application::Application(int& argc, char** argv, std::unique_ptr<Platform::Autos
 {
     setOrganizationName(QStringLiteral("BRANTEL"));
     setApplicationName(QStringLiteral("KESTRAVIN"));
+    setApplicationVersion(QLatin1String(Update::ApplicationUpdate::ApplicationVersion));
     if (!m_autostart)
         m_autostart = Platform::createAutostart();
 
