@@ -5,7 +5,7 @@ set -euo pipefail
 
 packages=(
   cmake g++ make pkg-config ninja-build
-  qtbase5-dev qttools5-dev libqt5svg5-dev
+  qtbase5-dev qttools5-dev qttools5-dev-tools libqt5svg5-dev
   protobuf-compiler libprotobuf-dev
   libssl-dev openssl
   libcpp-httplib-dev

@@ -21,6 +21,8 @@ using Settings::SettingsManager;
 namespace {
 const char* const ApplicationGroup = "Application";
 const char* const StartOnSystemStartupKey = "StartOnSystemStartup";
+const char* const LanguageKey = "Language";
+const char* const UnableToLoadTranslation = "Unable to load translations from %1";
 const char* const MinimizedOption = "-minimized";
 } // namespace
 
@@ -40,8 +42,8 @@ Application::Application(int& argc, char** argv, std::unique_ptr<Platform::Autos
     connect(SettingsManager::instance(), &SettingsManager::settingsChanged, this, &Application::onSettingsChanged);
 
     m_translator = new QTranslator(this);
-    loadTranslation(SettingsManager::value(QStringLiteral("Application"), QStringLiteral("Language"), QStringLiteral("en"))
-                        .toString());
+    loadTranslation(
+        SettingsManager::value(QLatin1String(ApplicationGroup), QLatin1String(LanguageKey), QStringLiteral("en")).toString());
 
     m_notifications = new TrayNotifications(this);
     createTray();
@@ -105,15 +107,18 @@ void Application::loadTranslation(const QString& language)
     const QLocale locale(language);
     QLocale::setDefault(locale);
     if (language == m_language || !QFile::exists(path)) {
-        Logger::error(QString(), QStringLiteral("Unable to load translations from %1").arg(path));
+        Logger::error(QString(), QString::fromLatin1(UnableToLoadTranslation).arg(path));
         return;
     }
     Logger::debug(QString(), QStringLiteral("Change language %1 -> %2")
                                  .arg(QLocale::languageToString(QLocale(m_language).language()),
                                      QLocale::languageToString(locale.language())));
     removeTranslator(m_translator);
+    // A damaged file leaves the program in English, as a missing one does, and says so.
     if (m_translator->load(path))
         installTranslator(m_translator);
+    else
+        Logger::error(QString(), QString::fromLatin1(UnableToLoadTranslation).arg(path));
     m_language = language;
 }
 

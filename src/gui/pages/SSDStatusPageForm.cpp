@@ -99,10 +99,12 @@ QWidget* SSDStatusPage::buildStatusColumn()
 {
     auto* panel = new QFrame(this);
     panel->setObjectName(QStringLiteral("statusPanel"));
-    panel->setMinimumWidth(360);
     auto* layout = new QVBoxLayout(panel);
     layout->setContentsMargins(24, 20, 24, 20);
     layout->setSpacing(8);
+    // At least 360 wide, and wider where its texts need it: a minimum width set on the panel would
+    // cut a long caption or value instead.
+    layout->addStrut(360 - 2 * 24);
 
     DriveModel = newParamValue(QStringLiteral("DriveModel"), tr("SSD MODEL:"), panel);
     DriveCapacity = newParamValue(QStringLiteral("DriveCapacity"), tr("CAPACITY:"), panel);

@@ -37,13 +37,29 @@ MenuButton* MenuBarButton::addMenuItem(const QString& text)
     QFont itemFont = font();
     itemFont.setWeight(QFont::Normal);
     item->setFont(itemFont);
-    item->setFixedWidth(width());
+    fitMenuItem(item);
 
     auto* action = new QWidgetAction(dropDown);
     action->setDefaultWidget(item);
     dropDown->addAction(action);
     setMenu(dropDown);
     return item;
+}
+
+void MenuBarButton::fitMenuItem(MenuButton* item) const
+{
+    item->setFixedWidth(std::max(width(), item->sizeHint().width()));
+}
+
+void MenuBarButton::fitMenuItems() const
+{
+    if (!menu())
+        return;
+    for (QAction* action : menu()->actions()) {
+        auto* widgetAction = qobject_cast<QWidgetAction*>(action);
+        if (auto* item = widgetAction ? qobject_cast<MenuButton*>(widgetAction->defaultWidget()) : nullptr)
+            fitMenuItem(item);
+    }
 }
 
 bool MenuBarButton::event(QEvent* event)
@@ -65,6 +81,7 @@ bool MenuBarButton::event(QEvent* event)
     case QEvent::Resize:
         // The drop-down's entries take this width, so it may not shrink under them.
         setMinimumWidth(width());
+        fitMenuItems();
         break;
     default:
         break;

@@ -32,6 +32,11 @@ protected:
     void paintEvent(QPaintEvent* event) override;
 
 private:
+    // An entry is as wide as this button, or wider where its text needs more (a long translation):
+    // the drop-down takes the width of its widest entry.
+    void fitMenuItem(MenuButton* item) const;
+    void fitMenuItems() const;
+
     QFontMetrics m_metrics;
     QColor m_textColor;
     bool m_hovered = false;

@@ -19,6 +19,11 @@ MenuButton::MenuButton(const QString& text, QWidget* parent)
     setCheckable(true);
 }
 
+QSize MenuButton::sizeHint() const
+{
+    return QSize(TextLeft + fontMetrics().horizontalAdvance(text()) + TextRight, height());
+}
+
 bool MenuButton::event(QEvent* event)
 {
     if (event->type() == QEvent::Enter) {

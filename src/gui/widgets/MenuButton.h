@@ -14,8 +14,11 @@ public:
     explicit MenuButton(const QString& text, QWidget* parent = nullptr);
 
     static constexpr int TextLeft = 50;
+    static constexpr int TextRight = 24;
 
     bool isHovered() const { return m_hovered; }
+    // Room for the whole text: the drop-down grows rather than cut a long entry.
+    QSize sizeHint() const override;
 
 protected:
     bool event(QEvent* event) override;
