@@ -124,8 +124,9 @@ void TestSmartController::firmwareCorrections_data()
                                                  << int(Temperature) << 45.0;
     QTest::newRow("S9 erase counts swapped, max") << "P" << "S9FM02" << "173:0a001400"
                                                   << QByteArray::fromHex("14000a000000") << int(MaxEraseCount) << 20.0;
-    QTest::newRow("S9 written divided by 1000") << "P" << "S9FM02" << "241:6f1700000000"
-                                                << QByteArray::fromHex("050000000000") << int(GBWritten) << 5.0;
+    QTest::newRow("S9 written divided by 1000, all 48 bits") << "P" << "S9" << "241:ffffffffffff"
+                                                             << QByteArray::fromHex("c64b37894100") << int(GBWritten)
+                                                             << 281474976710.0;
     QTest::newRow("S9 written, two bytes") << "P" << "S9" << "241:6f17" << QByteArray::fromHex("050000000000")
                                            << int(GBWritten) << 5.0;
     QTest::newRow("S9 written, one byte counts as 0") << "P" << "S9" << "241:ff" << QByteArray::fromHex("000000000000")
