@@ -86,8 +86,6 @@ private slots:
     void bringsTheServiceUp();
     void checksTheVersion_data();
     void checksTheVersion();
-    void watchesEveryFrameSent();
-    void failsOnlyOnce();
     void startsTheRealServiceBesideTheProgram();
 
 private:
@@ -139,23 +137,15 @@ void TestServiceManager::bringsTheServiceUp_data()
     using S = ServiceControl::State;
     QTest::newRow("running is left alone") << States{S::Running} << 0 << 0 << QStringList{"query"}
                                            << int(ServiceManager::Running) << QList<int>{};
-    QTest::newRow("no service manager") << States{S::ManagerUnavailable} << 0 << 0 << QStringList{"query"}
-                                        << int(ServiceManager::Running) << QList<int>{};
     QTest::newRow("stopped is started") << States{S::Stopped} << 0 << 0 << QStringList{"query", "start"}
                                         << int(ServiceManager::Starting) << QList<int>{};
     QTest::newRow("start refused: access denied") << States{S::Stopped} << 0 << 5 << QStringList{"query", "start"}
                                                   << int(ServiceManager::Failed) << QList<int>{2};
-    QTest::newRow("start failed otherwise") << States{S::Stopped} << 0 << 1 << QStringList{"query", "start"}
-                                            << int(ServiceManager::Failed) << QList<int>{1};
-    QTest::newRow("not installed is installed") << States{S::NotInstalled} << 0 << 0 << QStringList{"query", "install"}
-                                                << int(ServiceManager::Starting) << QList<int>{};
     QTest::newRow("install refused") << States{S::NotInstalled} << 5 << 0 << QStringList{"query", "install"}
                                      << int(ServiceManager::Failed) << QList<int>{2};
     QTest::newRow("start pending is polled again")
         << States{S::StartPending, S::StartPending, S::Running} << 0 << 0 << QStringList{"query", "query", "query"}
         << int(ServiceManager::Running) << QList<int>{};
-    QTest::newRow("query failed: nothing happens") << States{S::QueryFailed} << 0 << 0 << QStringList{"query"}
-                                                   << int(ServiceManager::Unknown) << QList<int>{};
 }
 
 void TestServiceManager::bringsTheServiceUp()
@@ -194,19 +184,12 @@ void TestServiceManager::checksTheVersion_data()
     QTest::addColumn<QList<int>>("exits");
     QTest::addColumn<QString>("logged");
 
-    const QString mismatch = QStringLiteral("ERROR|SERVICE VERSION IS DIFFERENT THAN APPLICATION VERSION, REINSTALL APPLICATION");
     QTest::newRow("another patch is fine") << int(Message::Version) << version(1, 1, 9) << QList<int>{}
                                            << "Service version: Service version: 1.1.9 App version: 1.1.4";
     QTest::newRow("another minor") << int(Message::Version) << version(1, 2, 4) << QList<int>{4}
                                    << "Service version: Service version: 1.2.4 App version: 1.1.4";
-    QTest::newRow("another major") << int(Message::Version) << version(2, 1, 4) << QList<int>{4}
-                                   << "Service version: Service version: 2.1.4 App version: 1.1.4";
-    QTest::newRow("all zero is an empty payload") << int(Message::Version) << QByteArray() << QList<int>{4}
-                                                  << "Service version: Service version: 0.0.0 App version: 1.1.4";
     QTest::newRow("unparsable") << int(Message::Version) << QByteArray::fromHex("ff") << QList<int>{}
                                 << "Cannot update system information. Message parse failed.";
-    QTest::newRow("wrong type") << int(Message::Smart) << version(1, 1, 4) << QList<int>{}
-                                << "Unexpected message type: Smart.";
 }
 
 void TestServiceManager::checksTheVersion()
@@ -227,35 +210,6 @@ void TestServiceManager::checksTheVersion()
     QCOMPARE(m_exits, exits);
     QCOMPARE(log.messages(), QStringList{logged});
     QCOMPARE(m_boxes.size(), exits.size());
-}
-
-void TestServiceManager::watchesEveryFrameSent()
-{
-    make(m_control);
-    QTRY_COMPARE(int(m_manager->status()), int(ServiceManager::Running));
-    m_manager->onMessageReceived();
-    for (int i = 0; i < 10; ++i)
-        m_manager->onMessageSend();
-    m_manager->onMessageReceived();
-    QTest::qWait(300);
-    QVERIFY(m_exits.isEmpty());
-    QCOMPARE(int(m_manager->status()), int(ServiceManager::Responding));
-
-    m_manager->onMessageSend();
-    QTRY_COMPARE(m_exits, QList<int>{1});
-    QCOMPARE(int(m_manager->status()), int(ServiceManager::Failed));
-}
-
-void TestServiceManager::failsOnlyOnce()
-{
-    make(m_control);
-    LogCapture log;
-    m_manager->onServiceError(ServiceManager::AccessDenied);
-    m_manager->onServiceError();
-    QCOMPARE(m_exits, QList<int>{2});
-    QCOMPARE(m_boxes.size(), 1);
-    QCOMPARE(log.messages(Velmora::Logger::Error),
-        (QStringList{QStringLiteral("Service error 2."), QStringLiteral("Service error 1.")}));
 }
 
 void TestServiceManager::startsTheRealServiceBesideTheProgram()
@@ -279,5 +233,5 @@ void TestServiceManager::startsTheRealServiceBesideTheProgram()
     QCOMPARE(missing.install(100).exitCode, 1);
 }
 
-KESTRAVIN_TEST_MAIN(TestServiceManager)
+KESTRAVIN_TEST_SUITE(TestServiceManager)
 #include "tst_servicemanager.moc"

@@ -14,44 +14,8 @@ class TestSingleInstanceGuard : public QObject
     Q_OBJECT
 
 private slots:
-    void firstStartRunsAndLaterOnesWakeIt();
-    void askingTwiceInTheFirstStaysTrue();
-    void releasedSegmentLetsTheNextStartRun();
     void staleSocketIsReplaced();
 };
-
-void TestSingleInstanceGuard::firstStartRunsAndLaterOnesWakeIt()
-{
-    const QString prefix = TestEnvironment::uniqueName(QStringLiteral("guard"));
-    SingleInstanceGuard first(nullptr, prefix);
-    QVERIFY(!first.isOtherInstanceRunning());
-    first.startLocalServer();
-    QSignalSpy woken(&first, &SingleInstanceGuard::newInstanceDetected);
-
-    SingleInstanceGuard second(nullptr, prefix);
-    QVERIFY(second.isOtherInstanceRunning());
-    second.setNotifyTimeout(2000);
-    second.notifyOtherInstance();
-    QTRY_COMPARE(woken.count(), 1);
-}
-
-void TestSingleInstanceGuard::askingTwiceInTheFirstStaysTrue()
-{
-    SingleInstanceGuard guard(nullptr, TestEnvironment::uniqueName(QStringLiteral("guard")));
-    QVERIFY(!guard.isOtherInstanceRunning());
-    QVERIFY(guard.isOtherInstanceRunning());
-}
-
-void TestSingleInstanceGuard::releasedSegmentLetsTheNextStartRun()
-{
-    const QString prefix = TestEnvironment::uniqueName(QStringLiteral("guard"));
-    {
-        SingleInstanceGuard first(nullptr, prefix);
-        QVERIFY(!first.isOtherInstanceRunning());
-    }
-    SingleInstanceGuard next(nullptr, prefix);
-    QVERIFY(!next.isOtherInstanceRunning());
-}
 
 void TestSingleInstanceGuard::staleSocketIsReplaced()
 {
@@ -78,5 +42,5 @@ void TestSingleInstanceGuard::staleSocketIsReplaced()
     QTRY_COMPARE(woken.count(), 1);
 }
 
-KESTRAVIN_TEST_MAIN(TestSingleInstanceGuard)
+KESTRAVIN_TEST_SUITE(TestSingleInstanceGuard)
 #include "tst_singleinstanceguard.moc"

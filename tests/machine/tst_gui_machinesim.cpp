@@ -204,5 +204,5 @@ void TestGuiMachineSim::performancePageRunsTheTest()
     shoot(QStringLiteral("program-performance"));
 }
 
-KESTRAVIN_GUI_TEST_MAIN(TestGuiMachineSim)
+KESTRAVIN_GUI_TEST_SUITE(TestGuiMachineSim)
 #include "tst_gui_machinesim.moc"

@@ -159,5 +159,5 @@ void TestMachineSim::measuresTheCurrentDrive()
     QVERIFY(result->writeSpeed() > 0.0);
 }
 
-KESTRAVIN_TEST_MAIN(TestMachineSim)
+KESTRAVIN_TEST_SUITE(TestMachineSim)
 #include "tst_machinesim.moc"

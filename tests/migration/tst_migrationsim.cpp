@@ -110,5 +110,5 @@ void TestMigrationSim::defaultMachineOntoItsEmptyNvme()
     QTRY_COMPARE_WITH_TIMEOUT(layoutOf(*system.drive(targetId)), planned, 10000);
 }
 
-KESTRAVIN_TEST_MAIN(TestMigrationSim)
+KESTRAVIN_TEST_SUITE(TestMigrationSim)
 #include "tst_migrationsim.moc"

@@ -26,11 +26,6 @@ bool FakeService::listen()
     return m_server.listen(m_serverName);
 }
 
-void FakeService::stopListening()
-{
-    m_server.close();
-}
-
 bool FakeService::waitForClient(int timeoutMs)
 {
     if (hasClient())
@@ -53,11 +48,6 @@ void FakeService::sendRaw(const QByteArray& bytes)
     m_client->waitForBytesWritten(1000);
 }
 
-void FakeService::sendFrame(quint32 type, const QByteArray& payload)
-{
-    sendRaw(FrameReader::encode(type, payload));
-}
-
 void FakeService::disconnectClient()
 {
     if (m_client)
@@ -73,12 +63,6 @@ bool FakeService::waitForFrames(int count, int timeoutMs)
     return m_frames.size() >= count;
 }
 
-void FakeService::clearReceived()
-{
-    m_received.clear();
-    m_frames.clear();
-}
-
 void FakeService::onNewConnection()
 {
     while (QLocalSocket* socket = m_server.nextPendingConnection()) {
@@ -87,7 +71,6 @@ void FakeService::onNewConnection()
             m_client->deleteLater();
         }
         m_client = socket;
-        ++m_connectionCount;
         connect(socket, &QLocalSocket::readyRead, this, &FakeService::onReadyRead);
         emit clientConnected();
     }
@@ -100,8 +83,6 @@ void FakeService::onReadyRead()
     m_received.append(bytes);
     m_reader.append(bytes);
     FrameReader::Frame frame;
-    while (m_reader.next(frame)) {
+    while (m_reader.next(frame))
         m_frames.append(frame);
-        emit frameReceived(frame.type, frame.payload);
-    }
 }

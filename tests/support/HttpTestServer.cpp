@@ -33,30 +33,14 @@ bool HttpTestServer::restart()
 void HttpTestServer::shutDown()
 {
     m_server.close();
-    m_stalled.clear();
     const QList<QTcpSocket*> sockets = m_pending.keys();
     for (QTcpSocket* socket : sockets)
         socket->abort();
 }
 
-void HttpTestServer::releaseStalled()
-{
-    const auto stalled = m_stalled;
-    m_stalled.clear();
-    for (const auto& entry : stalled) {
-        entry.first->write(entry.second);
-        entry.first->disconnectFromHost();
-    }
-}
-
 QUrl HttpTestServer::baseUrl() const
 {
     return QUrl(QStringLiteral("http://127.0.0.1:%1/kestravin/public/api/").arg(m_port));
-}
-
-void HttpTestServer::enqueue(const Answer& answer)
-{
-    m_answers.append(answer);
 }
 
 bool HttpTestServer::waitForRequests(int count, int timeoutMs)
@@ -73,13 +57,7 @@ void HttpTestServer::onNewConnection()
     while (QTcpSocket* socket = m_server.nextPendingConnection()) {
         connect(socket, &QTcpSocket::readyRead, this, [this, socket] { onReadyRead(socket); });
         connect(socket, &QTcpSocket::disconnected, socket, &QObject::deleteLater);
-        connect(socket, &QObject::destroyed, this, [this, socket] {
-            m_pending.remove(socket);
-            for (int i = m_stalled.size() - 1; i >= 0; --i) {
-                if (m_stalled.at(i).first == socket)
-                    m_stalled.removeAt(i);
-            }
-        });
+        connect(socket, &QObject::destroyed, this, [this, socket] { m_pending.remove(socket); });
     }
 }
 
@@ -107,7 +85,6 @@ void HttpTestServer::onReadyRead(QTcpSocket* socket)
         request.body = buffer.mid(headerEnd + 4, length);
         buffer.remove(0, headerEnd + 4 + length);
         m_requests.append(request);
-        emit requestReceived();
         answer(socket, request);
     }
 }
@@ -117,8 +94,6 @@ void HttpTestServer::answer(QTcpSocket* socket, const Request& request)
     Answer reply;
     if (m_responder)
         reply = m_responder(request);
-    else if (!m_answers.isEmpty())
-        reply = m_answers.size() > 1 ? m_answers.takeFirst() : m_answers.first();
     if (reply.silent)
         return;
     if (reply.drop) {
@@ -131,11 +106,6 @@ void HttpTestServer::answer(QTcpSocket* socket, const Request& request)
     for (const auto& header : reply.extraHeaders)
         head += header.first + ": " + header.second + "\r\n";
     head += "Connection: close\r\n\r\n";
-    if (reply.stallAfter >= 0) {
-        socket->write(head + reply.body.left(reply.stallAfter));
-        m_stalled.append({socket, reply.body.mid(reply.stallAfter)});
-        return;
-    }
     socket->write(head + reply.body);
     socket->disconnectFromHost();
 }

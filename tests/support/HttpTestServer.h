@@ -33,9 +33,6 @@ public:
         QList<QPair<QByteArray, QByteArray>> extraHeaders;
         bool silent = false;  // never answer
         bool drop = false;    // close the connection without a word
-        // With a value of 0 or more, only the head and that many bytes of the body go out; the
-        // rest waits for releaseStalled().
-        int stallAfter = -1;
     };
     using Responder = std::function<Answer(const Request&)>;
 
@@ -46,21 +43,14 @@ public:
     // The base address the program's client resolves its paths against.
     QUrl baseUrl() const;
 
-    // Answers are used once each, in order; when none is left the last one used repeats.
-    void enqueue(const Answer& answer);
-    // Answers by looking at each request; once set, the queue of answers is not used.
+    // Answers by looking at each request.
     void setResponder(const Responder& responder) { m_responder = responder; }
-    // Sends the rest of every stalled answer and closes those connections.
-    void releaseStalled();
     // Stops listening and drops open connections: the next requests are refused.
     void shutDown();
     // Listens again on the same port.
     bool restart();
     QList<Request> requests() const { return m_requests; }
     bool waitForRequests(int count, int timeoutMs = 5000);
-
-signals:
-    void requestReceived();
 
 private:
     void onNewConnection();
@@ -70,9 +60,7 @@ private:
     QTcpServer m_server;
     QMap<QTcpSocket*, QByteArray> m_pending;
     QList<Request> m_requests;
-    QList<Answer> m_answers;
     Responder m_responder;
-    QList<QPair<QTcpSocket*, QByteArray>> m_stalled;
     quint16 m_port = 0;
 };
 

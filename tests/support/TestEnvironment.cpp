@@ -1,6 +1,10 @@
 #include "support/TestEnvironment.h"
 
-#include <QCoreApplication>
+#include <QApplication>
+#include <QTest>
+
+#include <memory>
+#include <vector>
 
 #include <atomic>
 #include <cstdio>
@@ -40,6 +44,41 @@ void installConnectionWarningTrap()
 bool connectionWarningSeen()
 {
     return warningSeen;
+}
+
+namespace {
+
+struct Suites {
+    std::vector<SuiteFactory> factories;
+    bool needsWidgets = false;
+};
+
+Suites& suites()
+{
+    static Suites all;
+    return all;
+}
+
+} // namespace
+
+int registerSuite(SuiteFactory factory, bool needsWidgets)
+{
+    suites().factories.push_back(factory);
+    suites().needsWidgets = suites().needsWidgets || needsWidgets;
+    return int(suites().factories.size());
+}
+
+int runSuites(int argc, char* argv[])
+{
+    std::unique_ptr<QCoreApplication> app(suites().needsWidgets ? new QApplication(argc, argv)
+                                                                 : new QCoreApplication(argc, argv));
+    installConnectionWarningTrap();
+    int failed = 0;
+    for (SuiteFactory factory : suites().factories) {
+        std::unique_ptr<QObject> suite(factory());
+        failed += QTest::qExec(suite.get(), argc, argv) != 0 ? 1 : 0;
+    }
+    return failed != 0 || connectionWarningSeen() ? 1 : 0;
 }
 
 } // namespace TestEnvironment

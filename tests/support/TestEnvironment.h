@@ -13,7 +13,22 @@ QString uniqueName(const QString& prefix);
 void installConnectionWarningTrap();
 bool connectionWarningSeen();
 
+// The suites of one subsystem share a program: each registers its class, and the program's main
+// (support/SuitesMain.cpp, taken when the program has no main of its own) runs them in turn.
+using SuiteFactory = QObject* (*)();
+int registerSuite(SuiteFactory factory, bool needsWidgets);
+int runSuites(int argc, char* argv[]);
+
 } // namespace TestEnvironment
+
+#define KESTRAVIN_TEST_SUITE(TestClass)                                                                \
+    static const int registered##TestClass =                                                           \
+        TestEnvironment::registerSuite([]() -> QObject* { return new TestClass; }, false);
+
+// The same for suites that make widgets: the program then runs under a QApplication.
+#define KESTRAVIN_GUI_TEST_SUITE(TestClass)                                                            \
+    static const int registered##TestClass =                                                           \
+        TestEnvironment::registerSuite([]() -> QObject* { return new TestClass; }, true);
 
 // QTEST_GUILESS_MAIN with the connection-warning trap.
 #define KESTRAVIN_TEST_MAIN(TestClass)                                                                 \

@@ -40,14 +40,8 @@ private slots:
     void judgesFreeSpace();
     void judgesLifeRemaining_data();
     void judgesLifeRemaining();
-    void judgesSataSpeed_data();
-    void judgesSataSpeed();
-    void firmwareIsNeverUrgent();
     void reportsTheWorstOfAll();
-    void badSectorsHaveNoRule();
     void notifiesOnceOnEachFall();
-    void leavesDrivesBehindUsbAlone();
-    void noticesNewerFirmware();
 };
 
 void TestDriveHealth::initTestCase()
@@ -101,35 +95,6 @@ void TestDriveHealth::judgesLifeRemaining()
     QCOMPARE(changed.count(), severity == Good ? 0 : 1);
 }
 
-void TestDriveHealth::judgesSataSpeed_data()
-{
-    QTest::addColumn<QVariant>("value");
-    QTest::addColumn<int>("severity");
-    QTest::newRow("at its highest speed") << QVariant::fromValue(SATASpeedCapabilities{4, 4}) << int(Good);
-    QTest::newRow("on a slower port") << QVariant::fromValue(SATASpeedCapabilities{4, 2}) << int(ActionNeeded);
-    QTest::newRow("NVMe reports zeroes") << QVariant::fromValue(SATASpeedCapabilities{0, 0}) << int(Good);
-    QTest::newRow("not a speed record") << QVariant(QStringLiteral("fast")) << int(Good);
-}
-
-void TestDriveHealth::judgesSataSpeed()
-{
-    QFETCH(QVariant, value);
-    QFETCH(int, severity);
-    DriveHealthStatus status;
-    status.setIssueValue(SATASpeedLimit, value);
-    QCOMPARE(int(status.issue(SATASpeedLimit)->severity()), severity);
-}
-
-void TestDriveHealth::firmwareIsNeverUrgent()
-{
-    DriveHealthStatus status;
-    QSignalSpy overall(&status, &DriveHealthStatus::optimizationStatusChanged);
-    status.setIssueValue(FirmwareUpdate, true);
-    QCOMPARE(status.issue(FirmwareUpdate)->severity(), OK);
-    QCOMPARE(overall.count(), 1);
-    QCOMPARE(overall.at(0).at(0).value<DriveIssueSeverity>(), OK);
-}
-
 void TestDriveHealth::reportsTheWorstOfAll()
 {
     DriveHealthStatus status;
@@ -145,16 +110,6 @@ void TestDriveHealth::reportsTheWorstOfAll()
     status.setIssueValue(FreeSpace, 950.0);
     QVERIFY(log.messages().isEmpty());
     QCOMPARE(overall.count(), 2);
-}
-
-void TestDriveHealth::badSectorsHaveNoRule()
-{
-    DriveHealthStatus status;
-    QSignalSpy changed(&status, &DriveHealthStatus::issueSeverityChanged);
-    status.setIssueValue(BadSectors, 1000u);
-    QCOMPARE(status.issue(BadSectors), nullptr);
-    QCOMPARE(changed.count(), 0);
-    QCOMPARE(status.overallSeverity(), Good);
 }
 
 void TestDriveHealth::notifiesOnceOnEachFall()
@@ -180,32 +135,5 @@ void TestDriveHealth::notifiesOnceOnEachFall()
     QCOMPARE(notified.count(), 2);
 }
 
-void TestDriveHealth::leavesDrivesBehindUsbAlone()
-{
-    System system;
-    SystemManager manager(&system);
-    QSignalSpy notified(&system, &System::notifyError);
-    manager.handleMessage(Message::SystemInfo, oneDrive(990, 4, 1, QStringLiteral("usb")));
-    QCOMPARE(notified.count(), 0);
-    QCOMPARE(system.drive(4)->healthStatus()->overallSeverity(), Good);
-}
-
-void TestDriveHealth::noticesNewerFirmware()
-{
-    System system;
-    SystemManager manager(&system);
-    QSignalSpy notified(&system, &System::notifyError);
-    manager.handleMessage(Message::SystemInfo, oneDrive(100, 4, 2));
-    QCOMPARE(notified.count(), 1);
-    QCOMPARE(notified.at(0).at(0).toString(), QStringLiteral("DRIVE BRANTEL SSD S1 COULD WORK FASTER."));
-
-    Drive* drive = system.drive(4);
-    drive->setNewestFirmwareVersion(QStringLiteral("sb10"));
-    QCOMPARE(drive->healthStatus()->issue(FirmwareUpdate)->severity(), Good);
-    drive->setNewestFirmwareVersion(QStringLiteral("SB11"));
-    QCOMPARE(drive->healthStatus()->issue(FirmwareUpdate)->severity(), OK);
-    QCOMPARE(notified.count(), 1);
-}
-
-KESTRAVIN_TEST_MAIN(TestDriveHealth)
+KESTRAVIN_TEST_SUITE(TestDriveHealth)
 #include "tst_drivehealth.moc"

@@ -18,50 +18,10 @@ private slots:
     void initTestCase() { Velmora::Logger::setConsoleEnabled(false); }
     void init() { SettingsManager::clear(); }
 
-    void walksCategoriesAlphabetically();
-    void namesAndColoursCategories_data();
-    void namesAndColoursCategories();
     void streamsSevenSizesWithoutCount();
     void survivesARestart();
-    void emptyKeyNeverTouchesSettings();
-    void storedValueOfAnotherShapeIsIgnored();
-    void raisesNoSignalForTheSameProgress();
     void clampsProgress();
-    void unknownCategoriesStayOutOfTheTotal();
 };
-
-void TestFileCategories::walksCategoriesAlphabetically()
-{
-    QStringList names;
-    for (int category : categories())
-        names.append(FileCategories::categoryName(category));
-    QCOMPARE(names, (QStringList{"DOCUMENTS", "OTHER", "PICTURES", "PROGRAMS", "SOUND", "SYSTEM", "VIDEO"}));
-    QCOMPARE(FileCategories::categoryName(42), QStringLiteral("OTHER"));
-    QVERIFY(categoryExtensions(FileCategory::System).isEmpty());
-    QVERIFY(categoryPaths(FileCategory::Video).isEmpty());
-    QVERIFY(categoryPaths(FileCategory::System).startsWith(QLatin1String("Windows,swapfile.sys,")));
-    QVERIFY(!categoryExtensions(FileCategory::Documents).contains(QLatin1Char(' ')));
-}
-
-void TestFileCategories::namesAndColoursCategories_data()
-{
-    QTest::addColumn<int>("category");
-    QTest::addColumn<QColor>("colour");
-    QTest::newRow("first") << 0 << QColor(0, 225, 255);
-    QTest::newRow("video") << 3 << QColor(80, 114, 236);
-    QTest::newRow("last") << 6 << QColor(160, 3, 218);
-    QTest::newRow("beyond the last") << 9 << QColor(160, 3, 218);
-}
-
-void TestFileCategories::namesAndColoursCategories()
-{
-    QFETCH(int, category);
-    QFETCH(QColor, colour);
-    FileCategories categoriesOfDrive{QString()};
-    QCOMPARE(categoriesOfDrive.data(category, FileCategories::ColorRole).value<QColor>(), colour);
-    QCOMPARE(categoriesOfDrive.data(category, 0).toString(), FileCategories::categoryName(category));
-    QVERIFY(!categoriesOfDrive.data(category, 1).isValid());
-}
 
 void TestFileCategories::streamsSevenSizesWithoutCount()
 {
@@ -120,39 +80,6 @@ void TestFileCategories::survivesARestart()
     QCOMPARE(again.status(), int(FileCategoryStatus::Complete));
 }
 
-void TestFileCategories::emptyKeyNeverTouchesSettings()
-{
-    QSignalSpy settings(SettingsManager::instance(), &SettingsManager::settingsChanged);
-    FileCategories anonymous{QString()};
-    anonymous.setSize(FileCategory::Sound, 10);
-    anonymous.setStatus(FileCategoryStatus::Complete, 1.0);
-    QCOMPARE(settings.count(), 0);
-    QVERIFY(!SettingsManager::contains(QStringLiteral("FileCategories"), QString()));
-}
-
-void TestFileCategories::storedValueOfAnotherShapeIsIgnored()
-{
-    SettingsManager::setValue(QStringLiteral("FileCategories"), QStringLiteral("odd"), QStringLiteral("not a snapshot"));
-    FileCategories categoriesOfDrive(QStringLiteral("odd"));
-    QCOMPARE(categoriesOfDrive.status(), int(FileCategoryStatus::NotScanned));
-    QCOMPARE(categoriesOfDrive.totalSize(), qint64(0));
-}
-
-void TestFileCategories::raisesNoSignalForTheSameProgress()
-{
-    FileCategories categoriesOfDrive{QString()};
-    QSignalSpy changed(&categoriesOfDrive, &FileCategories::categoryDataChanged);
-    categoriesOfDrive.setStatus(FileCategoryStatus::Scanning, 0.5);
-    categoriesOfDrive.setStatus(FileCategoryStatus::Scanning, 0.5 + 1e-14);
-    QCOMPARE(changed.count(), 1);
-    categoriesOfDrive.setStatus(FileCategoryStatus::Scanning, 0.6);
-    QCOMPARE(changed.count(), 2);
-    categoriesOfDrive.setSize(FileCategory::Pictures, 0);
-    QCOMPARE(changed.count(), 2);
-    categoriesOfDrive.setSize(FileCategory::Pictures, 1);
-    QCOMPARE(changed.count(), 3);
-}
-
 void TestFileCategories::clampsProgress()
 {
     FileCategories categoriesOfDrive{QString()};
@@ -162,16 +89,5 @@ void TestFileCategories::clampsProgress()
     QCOMPARE(categoriesOfDrive.progress(), 0.0);
 }
 
-void TestFileCategories::unknownCategoriesStayOutOfTheTotal()
-{
-    FileCategories categoriesOfDrive{QString()};
-    categoriesOfDrive.setSizes({{FileCategory::Documents, 10}, {99, 1000}});
-    QCOMPARE(categoriesOfDrive.totalSize(), qint64(10));
-    QCOMPARE(categoriesOfDrive.size(99), qint64(1000));
-    QCOMPARE(categoriesOfDrive.size(98), qint64(0));
-    categoriesOfDrive.clearSizes();
-    QCOMPARE(categoriesOfDrive.totalSize(), qint64(0));
-}
-
-KESTRAVIN_TEST_MAIN(TestFileCategories)
+KESTRAVIN_TEST_SUITE(TestFileCategories)
 #include "tst_filecategories.moc"

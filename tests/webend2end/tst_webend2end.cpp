@@ -116,6 +116,7 @@ void TestWebEnd2End::init()
 
 void TestWebEnd2End::cleanup()
 {
+    QCOMPARE(m_admin->remove(m_backend->admin(QStringLiteral("faults"))).status, 200);
     SupportedDrivesManager::release();
     delete m_downloads;
     delete m_client;
@@ -255,15 +256,26 @@ void TestWebEnd2End::advertisementShownByBackOff()
 void TestWebEnd2End::supportTicket_data()
 {
     QTest::addColumn<bool>("rightCaptcha");
+    QTest::addColumn<QByteArray>("fault");  // a fault switch of the back-end for the post, or "expire"
     QTest::addColumn<int>("verdict");
-    QTest::newRow("accepted") << true << int(Support::Accepted);
-    QTest::newRow("wrong captcha") << false << int(Support::InvalidCaptcha);
+    QTest::addColumn<int>("newTickets");
+    QTest::newRow("accepted") << true << QByteArray() << int(Support::Accepted) << 1;
+    QTest::newRow("wrong captcha") << false << QByteArray() << int(Support::InvalidCaptcha) << 0;
+    // The post meets a 401, a new handshake follows and the ticket goes out once more, once.
+    QTest::newRow("session expired") << true << QByteArray("expire") << int(Support::Accepted) << 1;
+    // A lost ticket is reported, never sent again behind the user's back.
+    QTest::newRow("connection dropped") << true << QByteArray(R"({"kind":"drop","call":"support"})")
+                                        << int(Support::ConnectionFailed) << 0;
+    QTest::newRow("back-end never answers") << true << QByteArray(R"({"kind":"hang","call":"support","times":1})")
+                                            << int(Support::TimedOut) << 0;
 }
 
 void TestWebEnd2End::supportTicket()
 {
     QFETCH(bool, rightCaptcha);
+    QFETCH(QByteArray, fault);
     QFETCH(int, verdict);
+    QFETCH(int, newTickets);
 
     Support::SupportCaptcha captcha(m_downloads, m_client->baseUrl());
     QSignalSpy picture(&captcha, &Support::SupportCaptcha::captchaAvailable);
@@ -287,16 +299,34 @@ void TestWebEnd2End::supportTicket()
             handler.handleMessage(Velmora::Message::Message::CopyLogFilesResponse, QByteArray(bytes.data(), int(bytes.size())));
         });
 
+    manager.setWatchdogInterval(1500);
+    // The client's own limit ends a held post after the watchdog, while the manager still lives.
+    m_client->setTimeout(3000);
+    QSignalSpy granted(m_service, &TarnAuthorizationService::authorized);
+    m_service->authorizeAccess();
+    QVERIFY(granted.wait(5000));
+    if (fault == "expire")
+        QCOMPARE(m_admin->post(m_backend->admin(QStringLiteral("sessions/expire")), QByteArray()).status, 200);
+    else if (!fault.isEmpty())
+        QCOMPARE(m_admin->post(m_backend->admin(QStringLiteral("faults")), fault).status, 201);
+
     const int ticketsBefore = m_admin->get(m_backend->admin(QStringLiteral("tickets"))).json().array().size();
     QSignalSpy changed(&manager, &Support::SupportManager::statusChanged);
+    LogCapture log;
     manager.createSupportTicket(QStringLiteral("Slow writes"), QStringLiteral("user@example.org"), QStringLiteral("SN0"),
         rightCaptcha ? text : text + QStringLiteral("x"));
     QTRY_COMPARE_WITH_TIMEOUT(changed.count(), 4, 10000);
     QCOMPARE(changed.last().at(0).value<Support::SupportStatus>(), Support::SupportStatus(verdict));
+    QTest::qWait(300);
+    QCOMPARE(changed.count(), 4);
 
     const QJsonArray tickets = m_admin->get(m_backend->admin(QStringLiteral("tickets"))).json().array();
-    QCOMPARE(tickets.size(), ticketsBefore + (rightCaptcha ? 1 : 0));
-    if (!rightCaptcha)
+    QCOMPARE(tickets.size(), ticketsBefore + newTickets);
+    if (verdict == Support::TimedOut) {
+        QTRY_COMPARE_WITH_TIMEOUT(
+            log.count(QStringLiteral("Support response received while module was in improper state 0")), 1, 5000);
+    }
+    if (newTickets == 0)
         return;
     const QJsonObject ticket = tickets.last().toObject();
     QCOMPARE(ticket.value("message").toString(), QStringLiteral("Slow writes"));

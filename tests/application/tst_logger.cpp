@@ -5,13 +5,9 @@
 #include <QDateTime>
 #include <QDir>
 #include <QFile>
-#include <QProcess>
 #include <QRegularExpression>
 #include <QStandardPaths>
 #include <QTest>
-
-#include <thread>
-#include <vector>
 
 namespace Logger = Velmora::Logger;
 
@@ -67,14 +63,8 @@ private slots:
 
     void writesBothLineForms_data();
     void writesBothLineForms();
-    void dropsCallsBelowTheLevel();
-    void firstCallOpensTheFileAtDebugLevel();
-    void secondInitializeKeepsTheFile();
-    void writesMultiLineMessagesAsTheyStand();
     void rotatesOnlyAboveTheLimit();
     void keepsAtMostFiveFiles();
-    void keepsLinesWholeAcrossThreads();
-    void endsTheProcessWithoutALogFile();
 };
 
 void TestLogger::initTestCase()
@@ -90,11 +80,8 @@ void TestLogger::writesBothLineForms_data()
     QTest::addColumn<QString>("consoleField");
     QTest::addColumn<QString>("fileField");
 
-    QTest::newRow("trace") << int(Logger::Trace) << QStringLiteral("\033[35mTRACE\033[0m    ") << QStringLiteral("TRACE    ");
     QTest::newRow("debug") << int(Logger::Debug) << QStringLiteral("\033[34mDEBUG\033[0m    ") << QStringLiteral("DEBUG    ");
-    QTest::newRow("info") << int(Logger::Info) << QStringLiteral("\033[32mINFO\033[0m     ") << QStringLiteral("INFO     ");
     QTest::newRow("warning") << int(Logger::Warning) << QStringLiteral("\033[33mWARNING\033[0m  ") << QStringLiteral("WARNING  ");
-    QTest::newRow("error") << int(Logger::Error) << QStringLiteral("\033[31mERROR\033[0m    ") << QStringLiteral("ERROR    ");
 }
 
 void TestLogger::writesBothLineForms()
@@ -120,52 +107,6 @@ void TestLogger::writesBothLineForms()
     QVERIFY(LineStart.match(fileLine).hasMatch());
     QCOMPARE(fileLine.left(23), console.left(23));
     QCOMPARE(fileLine.mid(23), QStringLiteral(" ") + fileField + QStringLiteral("  : ") + message + QStringLiteral("\n"));
-}
-
-void TestLogger::dropsCallsBelowTheLevel()
-{
-    QCOMPARE(Logger::initialize(Logger::Warning), -1);
-    LogCapture capture;
-    Logger::trace(QString(), QStringLiteral("t"));
-    Logger::debug(QString(), QStringLiteral("d"));
-    Logger::info(QString(), QStringLiteral("i"));
-    Logger::warning(QString(), QStringLiteral("w"));
-    Logger::error(QString(), QStringLiteral("e"));
-    QCOMPARE(capture.messages(), (QStringList{QStringLiteral("w"), QStringLiteral("e")}));
-    QCOMPARE(QString::fromUtf8(liveContent()).count(QLatin1Char('\n')), 2);
-}
-
-void TestLogger::firstCallOpensTheFileAtDebugLevel()
-{
-    Logger::shutdown();
-    QFile::remove(livePath());
-    Logger::setLevel(Logger::Trace);
-    Logger::info(QString(), QStringLiteral("first"));
-    QVERIFY(QFile::exists(livePath()));
-    QVERIFY(liveContent().endsWith(" : first\n"));
-
-    LogCapture capture;
-    Logger::trace(QString(), QStringLiteral("dropped"));
-    Logger::debug(QString(), QStringLiteral("kept"));
-    QCOMPARE(capture.messages(), QStringList{QStringLiteral("kept")});
-}
-
-void TestLogger::secondInitializeKeepsTheFile()
-{
-    Logger::info(QString(), QStringLiteral("one"));
-    QCOMPARE(Logger::initialize(Logger::Debug), -1);
-    Logger::info(QString(), QStringLiteral("two"));
-    QCOMPARE(QString::fromUtf8(liveContent()).count(QLatin1Char('\n')), 2);
-}
-
-void TestLogger::writesMultiLineMessagesAsTheyStand()
-{
-    Logger::error(QString(), QStringLiteral("first\nsecond"));
-    const QStringList lines = QString::fromUtf8(liveContent()).split(QLatin1Char('\n'));
-    QCOMPARE(lines.size(), 3);
-    QVERIFY(LineStart.match(lines.at(0)).hasMatch());
-    QVERIFY(lines.at(0).endsWith(QLatin1String(" : first")));
-    QCOMPARE(lines.at(1), QStringLiteral("second"));
 }
 
 void TestLogger::rotatesOnlyAboveTheLimit()
@@ -218,55 +159,5 @@ void TestLogger::keepsAtMostFiveFiles()
     QVERIFY(QFile::exists(Logger::logDirectory() + QStringLiteral("notes.txt")));
 }
 
-void TestLogger::keepsLinesWholeAcrossThreads()
-{
-    std::vector<std::thread> threads;
-    for (int t = 0; t < 4; ++t) {
-        threads.emplace_back([t] {
-            for (int i = 0; i < 300; ++i)
-                Logger::info(QString(), QStringLiteral("thread %1 line %2").arg(t).arg(i));
-        });
-    }
-    for (std::thread& thread : threads)
-        thread.join();
-
-    QStringList lines = QString::fromUtf8(liveContent()).split(QLatin1Char('\n'));
-    QCOMPARE(lines.takeLast(), QString());
-    QCOMPARE(lines.size(), 1200);
-    for (const QString& line : lines)
-        QVERIFY2(LineStart.match(line).hasMatch() && line.contains(QLatin1String(" : thread ")), qPrintable(line));
-}
-
-void TestLogger::endsTheProcessWithoutALogFile()
-{
-    // The data folder lies under a plain file, so neither the folder nor the log can be made.
-    QProcess child;
-    QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
-    environment.insert(QStringLiteral("KESTRAVIN_LOGGER_CHILD"), QStringLiteral("1"));
-    environment.insert(QStringLiteral("XDG_DATA_HOME"), QStringLiteral("/dev/null/data"));
-    child.setProcessEnvironment(environment);
-    child.start(QCoreApplication::applicationFilePath(), QStringList());
-    QVERIFY(child.waitForFinished(10000));
-    QCOMPARE(child.exitStatus(), QProcess::NormalExit);
-    QCOMPARE(child.exitCode(), 1);
-    const QByteArray said = child.readAllStandardError();
-    QVERIFY2(said.contains("Unable to create log directory"), said.constData());
-    QVERIFY(said.contains("Cannot create log file: /dev/null/data/BRANTEL/KESTRAVIN/Velmora.log"));
-}
-
-// Run as its own child, the program only opens its log: that is what the exit test watches.
-int main(int argc, char* argv[])
-{
-    if (qEnvironmentVariableIsSet("KESTRAVIN_LOGGER_CHILD")) {
-        QCoreApplication app(argc, argv);
-        QCoreApplication::setOrganizationName(QStringLiteral("BRANTEL"));
-        QCoreApplication::setApplicationName(QStringLiteral("KESTRAVIN"));
-        return Logger::initialize(Logger::Debug);
-    }
-    QCoreApplication app(argc, argv);
-    TestEnvironment::installConnectionWarningTrap();
-    TestLogger test;
-    const int result = QTest::qExec(&test, argc, argv);
-    return TestEnvironment::connectionWarningSeen() ? 1 : result;
-}
+KESTRAVIN_TEST_SUITE(TestLogger)
 #include "tst_logger.moc"

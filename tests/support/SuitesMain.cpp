@@ -1,0 +1,6 @@
+#include "support/TestEnvironment.h"
+
+int main(int argc, char* argv[])
+{
+    return TestEnvironment::runSuites(argc, argv);
+}
