@@ -14,6 +14,7 @@
 #include "gui/views/AdWidget.h"
 #include "migration/Migration.h"
 #include "migration/MigrationController.h"
+#include "migration/wizard/MigrationWizard.h"
 #include "system/Drive.h"
 #include "system/System.h"
 #include "update/ApplicationUpdate.h"
@@ -188,7 +189,7 @@ void MainWindow::buildFooters(QVBoxLayout* footersLayout)
     footersLayout->addWidget(footer);
 }
 
-Page* MainWindow::createPage(Page::PageId id)
+QWidget* MainWindow::createPage(Page::PageId id)
 {
     switch (id) {
     case Page::SmartParametersId:
@@ -197,8 +198,12 @@ Page* MainWindow::createPage(Page::PageId id)
         return collaborators.performanceCheck ? new PerformanceCheckPage(collaborators.performanceCheck) : nullptr;
     case Page::FirmwareUpdateId:
         return collaborators.firmwareUpdate ? new FirmwareUpdatePage(collaborators.firmwareUpdate, system) : nullptr;
-    // Still to come: until then the menu entries show their caption on an empty page.
     case Page::DataMigrationId:
+        // The wizard drives the model that the controller runs; without a controller, no wizard.
+        if (Migration::MigrationController* controller = collaborators.migrationController)
+            return new Migration::MigrationWizard(controller->migration());
+        return nullptr;
+    // Still to come: until then the menu entries show their caption on an empty page.
     case Page::SettingsId:
     case Page::TechnicalSupportId:
         return new PagePlaceholder(id, menu->caption(id));
@@ -211,7 +216,7 @@ Page* MainWindow::createPage(Page::PageId id)
     return nullptr;
 }
 
-void MainWindow::addPage(Page::PageId id, Page* page)
+void MainWindow::addPage(Page::PageId id, QWidget* page)
 {
     pages.insert(id, contentStackedWidget->addWidget(page));
 }
@@ -246,7 +251,7 @@ bool MainWindow::isCaptionWidget(const QWidget* widget) const
 void MainWindow::changePage(Page::PageId screenId)
 {
     if (!pages.contains(screenId)) {
-        if (Page* page = createPage(screenId))
+        if (QWidget* page = createPage(screenId))
             addPage(screenId, page);
     }
     // The group ids have no page: operator[] enters them as index 0, the home page.

@@ -105,8 +105,9 @@ private slots:
 private:
     QWidget* buildHeader();
     void buildFooters(QVBoxLayout* layout);
-    Page* createPage(Page::PageId id);
-    void addPage(Page::PageId id, Page* page);
+    // Mostly a `Page`; the migration wizard is a plain widget of its own subsystem.
+    QWidget* createPage(Page::PageId id);
+    void addPage(Page::PageId id, QWidget* page);
     void showDriveSection();
     void connectCollaborators();
     void showContentInsteadOf(QWidget* view);
