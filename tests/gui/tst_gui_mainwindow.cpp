@@ -275,7 +275,8 @@ void TestGuiMainWindow::pagesAreCreatedOnFirstShowOnly()
     const QMap<Page::PageId, QString> titles { { Page::SmartParametersId, QStringLiteral("SMART PARAMETERS") },
         { Page::PerformanceTestId, QStringLiteral("PERFORMANCE CHECK") },
         { Page::FirmwareUpdateId, QStringLiteral("FIRMWARE UPDATE") },
-        { Page::DataMigrationId, QStringLiteral("DATA MIGRATION") }, { Page::SettingsId, QStringLiteral("SETTINGS") },
+        { Page::DataMigrationId, QStringLiteral("CHOOSE YOUR DRIVE (STEP 1/3)") },
+        { Page::SettingsId, QStringLiteral("SETTINGS") },
         { Page::TechnicalSupportId, QStringLiteral("TECHNICAL SUPPORT") } };
     QMap<Page::PageId, QWidget*> made;
     for (Page::PageId id : lazy) {

@@ -31,6 +31,9 @@ InitPage::InitPage(Migration* migration, QWidget* parent)
     connect(migration, &Migration::driveListChanged, this, &InitPage::onDriveListChanged);
     connect(migration, &Migration::sourceDriveChanged, this, &InitPage::updateMigrationData);
     connect(migration, &Migration::destinationDriveChanged, this, &InitPage::updateMigrationData);
+    listRefresh.setSingleShot(true);
+    listRefresh.setInterval(0);
+    connect(&listRefresh, &QTimer::timeout, this, &InitPage::onDriveListChanged);
     onDriveListChanged();
 }
 
@@ -87,8 +90,10 @@ void InitPage::fill(QComboBox* comboBox, const QList<System::Drive*>& drives)
     const QSignalBlocker blocker(comboBox);
     comboBox->clear();
     comboBox->addItem(tr("CHOOSE YOUR DRIVE"));
-    for (const System::Drive* drive : drives)
+    for (System::Drive* drive : drives) {
         comboBox->addItem(drive->displayText(true), drive->id());
+        connect(drive, &System::Drive::dataChanged, &listRefresh, qOverload<>(&QTimer::start), Qt::UniqueConnection);
+    }
 }
 
 void InitPage::updateMigrationData()

@@ -2,6 +2,8 @@
 
 #include "migration/wizard/PageBase.h"
 
+#include <QTimer>
+
 class QComboBox;
 class QLabel;
 
@@ -47,6 +49,9 @@ private:
     static void showDrive(const DriveColumn& column, const System::Drive* drive);
 
     Migration* migration;
+    // Which drives may be a destination changes with what is known of them: the drive that holds
+    // the system is known as such only once the machine's summary has come after the drive list.
+    QTimer listRefresh;
     DriveColumn from;
     DriveColumn to;
 };

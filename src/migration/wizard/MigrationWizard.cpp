@@ -422,6 +422,12 @@ void MigrationWizard::onMigrationFinished()
 
 void MigrationWizard::onMigrationFailed(QString errorMsg)
 {
+    // A cancelled run may fail twice (the cancel, then the step it waited for). Showing the error
+    // page again would call for the present page, which leaves the default row without HOME.
+    if (currentPageId == PageBase::ErrorPageId) {
+        Logger::warning(QString(), QStringLiteral("Migration failed again after its error was shown: %1").arg(errorMsg));
+        return;
+    }
     static_cast<ErrorPage*>(pages.value(PageBase::ErrorPageId))->setErrorMessage(errorMsg);
     setPage(PageBase::ErrorPageId);
 }
