@@ -90,8 +90,11 @@ void letLayoutTimerComeDue(benchmark::State& state)
     state.ResumeTiming();
 }
 
+// Arguments: partitions, log level (1 = Debug, as the program runs, the replanning writing its
+// ledger to the log file; 2 = Info, without it).
 void BM_TogglePartition(benchmark::State& state)
 {
+    Logger::setLevel(static_cast<int>(state.range(1)));
     PlannedWizard planned(static_cast<int>(state.range(0)));
     const QList<Migration::PartitionDetailsWidget*> rows = planned.page()->rows();
     QCheckBox* checkBox = rows.last()->findChild<QCheckBox*>(QStringLiteral("partitionCheckBox"));
@@ -103,7 +106,10 @@ void BM_TogglePartition(benchmark::State& state)
     }
     state.counters["rows"] = rows.size();
 }
-BENCHMARK(BM_TogglePartition)->Arg(8)->Arg(128)->Unit(benchmark::kMillisecond);
+BENCHMARK(BM_TogglePartition)
+    ->ArgNames({"partitions", "level"})
+    ->Args({8, 1})->Args({128, 1})->Args({128, 2})
+    ->Unit(benchmark::kMillisecond);
 
 // A partition of drive C: whose root holds one folder of `entries` files, loaded but closed, on
 // the filters page as the wizard shows it.
@@ -142,6 +148,7 @@ struct BigFolder {
 
 void BM_ExpandLoadedFolder(benchmark::State& state)
 {
+    Logger::setLevel(Logger::Info);
     BigFolder big(static_cast<int>(state.range(0)));
     big.fill();
     for (auto _ : state) {
@@ -157,6 +164,7 @@ BENCHMARK(BM_ExpandLoadedFolder)->Arg(1000)->Arg(100000)->Unit(benchmark::kMilli
 
 void BM_ListingArrivesInOpenFolder(benchmark::State& state)
 {
+    Logger::setLevel(Logger::Info);
     for (auto _ : state) {
         state.PauseTiming();
         auto big = std::make_unique<BigFolder>(static_cast<int>(state.range(0)));

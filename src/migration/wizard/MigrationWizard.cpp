@@ -57,6 +57,9 @@ MigrationWizard::MigrationWizard(Migration* migration, QWidget* parent)
 {
     initWizardResources();
     buildForm();
+    nextButtonUpdate.setSingleShot(true);
+    nextButtonUpdate.setInterval(0);
+    connect(&nextButtonUpdate, &QTimer::timeout, this, &MigrationWizard::updateNextButton);
     connect(ui.backButton, &QPushButton::clicked, this, &MigrationWizard::prevPage);
     connect(ui.nextButton, &QPushButton::clicked, this, &MigrationWizard::nextPage);
     connect(ui.startButton, &QPushButton::clicked, this, &MigrationWizard::startMigration);
@@ -195,6 +198,7 @@ void MigrationWizard::updateButtons(int pageId)
 
 void MigrationWizard::updateNextButton()
 {
+    nextButtonUpdate.stop();
     const System::Drive* source = migration->sourceDrive();
     const MigrationDestDrive* destination = migration->destinationDrive();
     bool allowed = true;
@@ -304,6 +308,7 @@ void MigrationWizard::calculateNextPartition()
             &MigrationWizard::onPartitionSizeCalculationFinished, Qt::UniqueConnection);
         partition->calculateFilteredFilesSize();
         onPartisionSizeCalculationDataChanged();
+        updateNextButton();
         return;
     }
     partitionsToCalculate.clear();
@@ -485,7 +490,7 @@ void MigrationWizard::checkDrivesPresent()
 
 void MigrationWizard::onDestinationPartitionDataChange()
 {
-    updateNextButton();
+    nextButtonUpdate.start();
     if (!calculating && currentPageId == PageBase::PartitionSizePageId)
         partitionSizePage()->refresh();
 }

@@ -6,6 +6,7 @@
 #include <QMap>
 #include <QMetaObject>
 #include <QStringList>
+#include <QTimer>
 #include <QWidget>
 
 class QLabel;
@@ -93,6 +94,9 @@ private:
     int currentPageId = 0;
     QList<int> pageHistory{PageBase::InitPageId};
     QList<QMetaObject::Connection> destinationConnections;
+    // A replanning changes every partition of the plan several times; whether the plan fits is
+    // asked once, after the burst.
+    QTimer nextButtonUpdate;
 
     struct Form {
         QLabel* titleLabel = nullptr;

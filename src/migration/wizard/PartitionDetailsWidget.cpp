@@ -4,6 +4,7 @@
 
 #include <QCheckBox>
 #include <QDoubleSpinBox>
+#include <QEvent>
 #include <QHBoxLayout>
 #include <QLabel>
 #include <QPixmap>
@@ -25,6 +26,9 @@ QLabel* lamp(const QString& objectName, const QString& image, QWidget* parent)
     label->hide();
     return label;
 }
+
+// Above any disk there is: a range for showing a value, not for choosing one.
+constexpr double WideRangeMegabytes = 1e12;
 
 double inMegabytes(const Bytes& size)
 {
@@ -79,7 +83,8 @@ PartitionDetailsWidget::PartitionDetailsWidget(MigrationDestPartition* partition
     connect(pushButton_filterFiles, &QPushButton::clicked, this, &PartitionDetailsWidget::on_filtersPushButton_clicked);
     connect(partition, &MigrationDestPartition::sizeLimitationsChanged, this,
         &PartitionDetailsWidget::onSizeLimitationsChanged);
-    onSizeLimitationsChanged();
+    spinBox_partitionSize->installEventFilter(this);
+    spinBox_partitionSize->setRange(0, WideRangeMegabytes);
     updateData();
 }
 
@@ -136,12 +141,32 @@ void PartitionDetailsWidget::updateData()
 
 void PartitionDetailsWidget::onSizeLimitationsChanged()
 {
+    // Every replanning moves the limits of every row. A new range makes a spin box measure its
+    // texts and the whole list lay itself out again, so the limits are held only by the box the
+    // user is editing; the others show their value within a range that never clamps it.
+    if (spinBox_partitionSize->hasFocus())
+        applySizeLimits();
+}
+
+void PartitionDetailsWidget::applySizeLimits()
+{
     const MigrationDestPartition* partition = m_partition.data();
     if (!partition)
         return;
     // A new range may clamp the value; that is no choice of the user's to write back.
     const QSignalBlocker blocker(spinBox_partitionSize);
     spinBox_partitionSize->setRange(inMegabytes(partition->allowedMinSize()), inMegabytes(partition->maxSize()));
+}
+
+bool PartitionDetailsWidget::eventFilter(QObject* watched, QEvent* event)
+{
+    if (watched == spinBox_partitionSize && event->type() == QEvent::FocusIn) {
+        applySizeLimits();
+    } else if (watched == spinBox_partitionSize && event->type() == QEvent::FocusOut) {
+        const QSignalBlocker blocker(spinBox_partitionSize);
+        spinBox_partitionSize->setRange(0, WideRangeMegabytes);
+    }
+    return QWidget::eventFilter(watched, event);
 }
 
 void PartitionDetailsWidget::setRowEnabled(bool enabled)

@@ -48,8 +48,12 @@ private slots:
     void on_sizeDoubleSpinBox_valueChanged(double arg1);
     void on_filtersPushButton_clicked();
 
+protected:
+    bool eventFilter(QObject* watched, QEvent* event) override;
+
 private:
     void updateEnabledStates();
+    void applySizeLimits();
 
     QPointer<System::MigrationDestPartition> m_partition;
     bool m_rowEnabled = true;

@@ -68,7 +68,8 @@ PartitionSizePage::PartitionSizePage(QWidget* parent)
     layout->addWidget(sourceDriveWidget);
     layout->addSpacing(6);
     layout->addWidget(caption(QStringLiteral("label_partitionsToMigrate"), tr("PARTITIONS TO MIGRATE"), this));
-    layout->addWidget(buildListHeader());
+    partitionsHeader = buildListHeader();
+    layout->addWidget(partitionsHeader);
     layout->addWidget(partitionsArea, 1);
     layout->addWidget(sizeCalculation_info);
     layout->addWidget(sizeCalculationProgressBar);
@@ -139,6 +140,7 @@ void PartitionSizePage::startEstimation()
     m_estimating = true;
     for (PartitionDetailsWidget* row : qAsConst(m_rows))
         row->setRowEnabled(false);
+    partitionsHeader->hide();
     partitionsArea->hide();
     sizeCalculation_info->show();
     sizeCalculationProgressBar->show();
@@ -159,6 +161,7 @@ void PartitionSizePage::finishEstimation()
     m_estimating = false;
     sizeCalculation_info->hide();
     sizeCalculationProgressBar->hide();
+    partitionsHeader->show();
     partitionsArea->show();
     for (PartitionDetailsWidget* row : qAsConst(m_rows))
         row->setRowEnabled(true);

@@ -61,6 +61,7 @@ private:
     QTimer m_refreshTimer;
     System::DriveWidget* sourceDriveWidget;
     System::MigrationDestDriveWidget* destDriveWidget;
+    QWidget* partitionsHeader;
     QScrollArea* partitionsArea;
     QWidget* partitionsList;
     QVBoxLayout* partitionsLayout;

@@ -42,6 +42,15 @@ const char* const Stylesheet = R"(
 }
 #MigrationWizard QCheckBox { color: rgb(255, 255, 255); font: 13px "Inter UI"; }
 #MigrationWizard QCheckBox:disabled { color: rgb(90, 104, 150); }
+#MigrationWizard QCheckBox::indicator, #MigrationWizard QTreeView::indicator {
+    width: 12px; height: 12px; border: 1px solid rgb(0, 225, 255); border-radius: 2px; background-color: rgb(0, 2, 40);
+}
+#MigrationWizard QCheckBox::indicator:checked, #MigrationWizard QTreeView::indicator:checked {
+    background-color: qlineargradient(x1: 0, y1: 0, x2: 1, y2: 1, stop: 0 rgb(0, 225, 255), stop: 1 rgb(160, 3, 218));
+}
+#MigrationWizard QTreeView::indicator:indeterminate { background-color: rgb(0, 100, 140); }
+#MigrationWizard QCheckBox::indicator:disabled { border-color: rgb(50, 66, 120); }
+#MigrationWizard QCheckBox::indicator:checked:disabled { background-color: rgb(50, 66, 120); }
 #MigrationWizard QTabWidget::pane { border: 1px solid rgb(0, 36, 94); background-color: rgb(0, 10, 50); }
 #MigrationWizard QTabBar::tab {
     color: rgb(255, 255, 255); background-color: rgb(0, 36, 94); padding: 8px 18px; font: 12px "Inter UI Semi Bold";
