@@ -103,7 +103,7 @@ row_y() { echo $((358 + 39 * $1)); }                    # rows of the partition 
 
 # The drive section, then DATA MIGRATION, then the system drive as source and the empty one as
 # destination.
-click $((W / 2)) $((H / 2 + 9)); xdotool key Down Return; sleep 1.5
+click $((W / 2)) $((393 + (H - 768) * 2 / 5)); xdotool key Down Return; sleep 1.5
 click $((W / 2)) 87 1.2
 shot choose-drives
 click $((W * 26 / 100)) 250 0.5; xdotool key Down Return; sleep 0.6

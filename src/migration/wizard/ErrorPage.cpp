@@ -21,11 +21,6 @@ ErrorPage::ErrorPage(QWidget* parent)
     layout->addStretch(1);
 }
 
-QString ErrorPage::errorMessage() const
-{
-    return errorMsgLabel->text();
-}
-
 void ErrorPage::setErrorMessage(const QString& text)
 {
     errorMsgLabel->setText(text);

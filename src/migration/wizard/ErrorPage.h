@@ -14,7 +14,6 @@ class ErrorPage : public PageBase
 public:
     explicit ErrorPage(QWidget* parent = nullptr);
 
-    QString errorMessage() const;
     void setErrorMessage(const QString& text);
 
 private:

@@ -62,16 +62,6 @@ ProgressPage::ProgressPage(Migration* migration, QWidget* parent)
     updateMigrationData();
 }
 
-QString ProgressPage::stepText() const
-{
-    return label_step->text();
-}
-
-double ProgressPage::progressValue() const
-{
-    return progressBar->target();
-}
-
 void ProgressPage::updateMigrationData()
 {
     switch (migration->migrationStep()) {

@@ -22,9 +22,6 @@ class ProgressPage : public PageBase
 public:
     explicit ProgressPage(Migration* migration, QWidget* parent = nullptr);
 
-    QString stepText() const;
-    double progressValue() const;
-
 public slots:
     void updateMigrationData();
 

@@ -34,11 +34,6 @@ int SizeCalculationProgressBar::value() const
     return progressBar->value();
 }
 
-QString SizeCalculationProgressBar::text() const
-{
-    return progress_label->text();
-}
-
 void SizeCalculationProgressBar::setValue(int percent)
 {
     progressBar->setValue(percent);

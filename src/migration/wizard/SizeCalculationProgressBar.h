@@ -16,7 +16,6 @@ public:
     explicit SizeCalculationProgressBar(QWidget* parent = nullptr);
 
     int value() const;
-    QString text() const;
 
 public slots:
     void setValue(int percent);

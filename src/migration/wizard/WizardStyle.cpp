@@ -18,7 +18,6 @@ const char* const Stylesheet = R"(
 #MigrationWizard #label_warning, #MigrationWizard #label_success, #MigrationWizard #label_inProgress {
     font: 20px "Inter UI Black";
 }
-#MigrationWizard #errorMsgLabel { font: 18px "Inter UI Semi Bold"; }
 #driveFrom_panel, #driveTo_panel { background-color: rgb(0, 10, 50); border: 1px solid rgb(0, 36, 94); border-radius: 4px; }
 #partitionsArea, #partitionsList { background: transparent; }
 #PartitionDetailsWidget { background-color: rgb(0, 10, 50); border-radius: 3px; }
@@ -50,7 +49,10 @@ const char* const Stylesheet = R"(
 }
 #MigrationWizard QTreeView::indicator:indeterminate { background-color: rgb(0, 100, 140); }
 #MigrationWizard QCheckBox::indicator:disabled { border-color: rgb(50, 66, 120); }
-#MigrationWizard QCheckBox::indicator:checked:disabled { background-color: rgb(50, 66, 120); }
+/* What always goes across stays visibly checked, in a muted gradient. */
+#MigrationWizard QCheckBox::indicator:checked:disabled {
+    background-color: qlineargradient(x1: 0, y1: 0, x2: 1, y2: 1, stop: 0 rgb(0, 120, 140), stop: 1 rgb(90, 20, 125));
+}
 #MigrationWizard QTabWidget::pane { border: 1px solid rgb(0, 36, 94); background-color: rgb(0, 10, 50); }
 #MigrationWizard QTabBar::tab {
     color: rgb(255, 255, 255); background-color: rgb(0, 36, 94); padding: 8px 18px; font: 12px "Inter UI Semi Bold";
