@@ -11,6 +11,7 @@
 #include <QHBoxLayout>
 #include <QLabel>
 #include <QScrollArea>
+#include <QScrollBar>
 #include <QVBoxLayout>
 
 namespace Velmora::Migration {
@@ -83,6 +84,7 @@ PartitionSizePage::PartitionSizePage(QWidget* parent)
     m_refreshTimer.setSingleShot(true);
     m_refreshTimer.setInterval(0);
     connect(&m_refreshTimer, &QTimer::timeout, this, &PartitionSizePage::updateRows);
+    connect(partitionsArea->verticalScrollBar(), &QScrollBar::valueChanged, this, &PartitionSizePage::updateRows);
 }
 
 QWidget* PartitionSizePage::buildListHeader()
@@ -176,8 +178,14 @@ void PartitionSizePage::refresh()
 void PartitionSizePage::updateRows()
 {
     m_refreshTimer.stop();
-    for (PartitionDetailsWidget* row : qAsConst(m_rows))
-        row->updateData();
+    // Rows out of sight are brought up to date when they scroll into it: a replanning of a hundred
+    // partitions would otherwise rewrite a hundred spin boxes that nobody sees.
+    const bool onScreen = partitionsArea->isVisible();
+    const QRect seen(QPoint(0, partitionsArea->verticalScrollBar()->value()), partitionsArea->viewport()->size());
+    for (PartitionDetailsWidget* row : qAsConst(m_rows)) {
+        if (!onScreen || row->geometry().intersects(seen))
+            row->updateData();
+    }
 }
 
 } // namespace Velmora::Migration
