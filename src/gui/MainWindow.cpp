@@ -3,7 +3,6 @@
 #include "ads/AdsManager.h"
 #include "gui/GuiResources.h"
 #include "gui/MenuBar.h"
-#include "gui/PagePlaceholder.h"
 #include "gui/pages/FirmwareUpdatePage.h"
 #include "gui/pages/HomePage.h"
 #include "gui/pages/PerformanceCheckPage.h"
@@ -16,6 +15,7 @@
 #include "gui/views/AdWidget.h"
 #include "migration/Migration.h"
 #include "migration/MigrationController.h"
+#include "migration/wizard/MigrationWizard.h"
 #include "settings/GeneralSettings.h"
 #include "settings/SmartSettings.h"
 #include "settings/UpdateSettings.h"
@@ -193,7 +193,7 @@ void MainWindow::buildFooters(QVBoxLayout* footersLayout)
     footersLayout->addWidget(footer);
 }
 
-Page* MainWindow::createPage(Page::PageId id)
+QWidget* MainWindow::createPage(Page::PageId id)
 {
     switch (id) {
     case Page::SmartParametersId:
@@ -208,9 +208,11 @@ Page* MainWindow::createPage(Page::PageId id)
             : nullptr;
     case Page::SettingsId:
         return createSettingsPage();
-    // Still to come: until then the menu entries show their caption on an empty page.
     case Page::DataMigrationId:
-        return new PagePlaceholder(id, menu->caption(id));
+        // The wizard drives the model that the controller runs; without a controller, no wizard.
+        if (Migration::MigrationController* controller = collaborators.migrationController)
+            return new Migration::MigrationWizard(controller->migration());
+        return nullptr;
     case Page::HomeId:
     case Page::SsdManagementId:
     case Page::SsdStatusId:
@@ -230,7 +232,7 @@ Page* MainWindow::createSettingsPage()
     return page;
 }
 
-void MainWindow::addPage(Page::PageId id, Page* page)
+void MainWindow::addPage(Page::PageId id, QWidget* page)
 {
     pages.insert(id, contentStackedWidget->addWidget(page));
 }
@@ -265,7 +267,7 @@ bool MainWindow::isCaptionWidget(const QWidget* widget) const
 void MainWindow::changePage(Page::PageId screenId)
 {
     if (!pages.contains(screenId)) {
-        if (Page* page = createPage(screenId))
+        if (QWidget* page = createPage(screenId))
             addPage(screenId, page);
     }
     // The group ids have no page: operator[] enters them as index 0, the home page.

@@ -105,9 +105,10 @@ private slots:
 private:
     QWidget* buildHeader();
     void buildFooters(QVBoxLayout* layout);
-    Page* createPage(Page::PageId id);
+    // Mostly a `Page`; the migration wizard is a plain widget of its own subsystem.
+    QWidget* createPage(Page::PageId id);
     Page* createSettingsPage();
-    void addPage(Page::PageId id, Page* page);
+    void addPage(Page::PageId id, QWidget* page);
     void showDriveSection();
     void connectCollaborators();
     void showContentInsteadOf(QWidget* view);

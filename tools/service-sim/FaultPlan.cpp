@@ -88,6 +88,27 @@ bool FaultPlan::addFailure(const QString& text, QString* error)
     return true;
 }
 
+bool FaultPlan::addUnplug(const QString& text, QString* error)
+{
+    Unplug unplug;
+    const int at = text.indexOf(QLatin1Char('@'));
+    const int hash = text.indexOf(QLatin1Char('#'), at + 1);
+    bool driveOk = false;
+    bool occurrenceOk = hash < 0;
+    if (at > 0) {
+        unplug.driveId = text.left(at).toUInt(&driveOk);
+        if (hash > at)
+            unplug.occurrence = text.mid(hash + 1).toInt(&occurrenceOk);
+    }
+    const QString type = text.mid(at + 1, hash < 0 ? -1 : hash - at - 1);
+    if (!driveOk || !occurrenceOk || unplug.occurrence < 1 || !parseType(type, &unplug.type)) {
+        *error = QStringLiteral("Expected DRIVE@TYPE or DRIVE@TYPE#N with N from 1, got \"%1\"").arg(text);
+        return false;
+    }
+    m_unplugs.append(unplug);
+    return true;
+}
+
 bool FaultPlan::setSplit(const QString& text, QString* error)
 {
     if (text == QLatin1String("random")) {
@@ -132,6 +153,15 @@ std::optional<int> FaultPlan::failureFor(quint32 type, int occurrence) const
     return std::nullopt;
 }
 
+std::optional<quint32> FaultPlan::unplugFor(quint32 type, int occurrence) const
+{
+    for (const Unplug& unplug : m_unplugs) {
+        if (unplug.type == type && unplug.occurrence == occurrence)
+            return unplug.driveId;
+    }
+    return std::nullopt;
+}
+
 bool FaultPlan::addFromJson(const QJsonObject& faults, QString* error)
 {
     const QJsonObject delays = faults.value(QStringLiteral("delay")).toObject();
@@ -150,6 +180,15 @@ bool FaultPlan::addFromJson(const QJsonObject& faults, QString* error)
             text += QLatin1Char('#') + QString::number(failure.value(QStringLiteral("occurrence")).toInt());
         text += QLatin1Char('=') + QString::number(failure.value(QStringLiteral("code")).toInt());
         if (!addFailure(text, error))
+            return false;
+    }
+    for (const QJsonValue& value : faults.value(QStringLiteral("unplug")).toArray()) {
+        const QJsonObject unplug = value.toObject();
+        const QString text = QStringLiteral("%1@%2#%3")
+                                 .arg(unplug.value(QStringLiteral("drive")).toInt())
+                                 .arg(unplug.value(QStringLiteral("type")).toString())
+                                 .arg(unplug.value(QStringLiteral("occurrence")).toInt(1));
+        if (!addUnplug(text, error))
             return false;
     }
     garbageBytes = faults.value(QStringLiteral("garbageBytes")).toInt(garbageBytes);

@@ -21,11 +21,18 @@ public:
         int occurrence = 0; // 1 for the first request of the type; 0 for every one
         int code = 0;
     };
+    // A drive that leaves the machine when the Nth request of a type arrives.
+    struct Unplug {
+        quint32 driveId = 0;
+        quint32 type = 0;
+        int occurrence = 1;
+    };
 
     // Each returns false and sets `error` for a text it cannot read.
     bool addDelay(const QString& text, QString* error);   // "TYPE=MS"
     bool addSilence(const QString& text, QString* error); // "TYPE"
     bool addFailure(const QString& text, QString* error); // "TYPE=CODE" or "TYPE#N=CODE"
+    bool addUnplug(const QString& text, QString* error);  // "DRIVE@TYPE" or "DRIVE@TYPE#N"
     bool setSplit(const QString& text, QString* error);   // a piece size in bytes, or "random"
     bool setVersion(const QString& text, QString* error); // "MAJOR.MINOR.PATCH"
     bool addFromJson(const QJsonObject& faults, QString* error);
@@ -33,6 +40,7 @@ public:
     int delayFor(quint32 type) const { return m_delays.value(type, 0); }
     bool isSilenced(quint32 type) const { return m_silenced.contains(type); }
     std::optional<int> failureFor(quint32 type, int occurrence) const;
+    std::optional<quint32> unplugFor(quint32 type, int occurrence) const;
 
     int garbageBytes = 0;       // bytes of garbage written before every frame
     int splitPieceSize = 0;     // frames leave in pieces of this size; 0 keeps them whole
@@ -48,6 +56,7 @@ private:
     QHash<quint32, int> m_delays;
     QSet<quint32> m_silenced;
     QList<Failure> m_failures;
+    QList<Unplug> m_unplugs;
 };
 
 } // namespace Velmora::ServiceSim

@@ -79,6 +79,14 @@ void FileCopyTask::step(int done, int steps)
     }
     m_copied = m_total * quint64(done) / quint64(steps);
     Wire::FileCopyReport report;
+    if (!m_machine.partition(m_request.destinationdriveid(), m_request.destinationpartitionid())) {
+        Logger::error(QString(), QStringLiteral("Destination partition is gone; copy stopped"));
+        report.set_code(Wire::FAILED);
+        report.set_copiedsize(m_copied);
+        m_client->send(Message::FileCopyResponse, report);
+        end();
+        return;
+    }
     if (m_copied > m_room) {
         Logger::error(QString(), QStringLiteral("Destination partition is full"));
         report.set_code(Wire::FAILED);

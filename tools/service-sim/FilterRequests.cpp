@@ -21,7 +21,6 @@ namespace {
 constexpr quint32 SystemSum = 0;
 constexpr quint32 LeftOutSum = 1;
 constexpr quint32 ExtensionsRule = 2;
-constexpr int CalculationSteps = 4;
 
 } // namespace
 
@@ -115,7 +114,7 @@ bool FilterRequests::calculateFilteredSize(const QByteArray& payload, ClientConn
     if (m_calculations.value(partitionId))
         m_calculations.value(partitionId)->stop();
     QPointer<ClientConnection> target(client);
-    auto* task = new SteppedTask(CalculationSteps, m_timings.scanStepMs, [target, files, driveId, partitionId](int step, int steps) {
+    auto* task = new SteppedTask(m_timings.filterSteps, m_timings.scanStepMs, [target, files, driveId, partitionId](int step, int steps) {
         if (target && target->isOpen())
             target->send(Message::MigrationFilterTypeResponse, sizesAfter(files, step, steps, driveId, partitionId));
     }, this);

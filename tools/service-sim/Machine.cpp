@@ -18,6 +18,21 @@ const Machine::DriveInfo* Machine::drive(quint32 driveId) const
     return nullptr;
 }
 
+bool Machine::removeDrive(quint32 driveId)
+{
+    auto* drives = m_systemInfo.mutable_drives();
+    for (int i = 0; i < drives->size(); ++i) {
+        if (drives->Get(i).driveid() != driveId)
+            continue;
+        for (const PartitionInfo& partition : drives->Get(i).partitions())
+            removeContent(driveId, partition.id());
+        m_driveExtras.remove(driveId);
+        drives->DeleteSubrange(i, 1);
+        return true;
+    }
+    return false;
+}
+
 Machine::DriveInfo* Machine::drive(quint32 driveId)
 {
     return const_cast<DriveInfo*>(static_cast<const Machine*>(this)->drive(driveId));

@@ -52,6 +52,8 @@ public:
     DriveExtras& driveExtras(quint32 driveId) { return m_driveExtras[driveId]; }
     PartitionContent& content(quint32 driveId, quint32 partitionId) { return m_contents[{driveId, partitionId}]; }
     const PartitionContent* findContent(quint32 driveId, quint32 partitionId) const;
+    // Takes the drive and what lies on it out of the machine; false when there is no such drive.
+    bool removeDrive(quint32 driveId);
     void removeContent(quint32 driveId, quint32 partitionId) { m_contents.remove({driveId, partitionId}); }
 
     // The partition that carries a drive letter such as "C:" (also "c:\\").

@@ -54,6 +54,11 @@ void RequestRouter::route(ClientConnection* client, quint32 type, QByteArray pay
         return;
     }
     const int occurrence = ++m_occurrences[type];
+    // The drive goes before the request is answered, as a disk pulled while the request travels.
+    if (const auto drive = m_faults.unplugFor(type, occurrence); drive && m_unplugHandler) {
+        Logger::warning(QString(), QStringLiteral("Unplugging drive %1 on %2 #%3, as asked").arg(*drive).arg(name).arg(occurrence));
+        m_unplugHandler(*drive, client);
+    }
     if (m_faults.isSilenced(type)) {
         Logger::warning(QString(), QStringLiteral("Not answering %1 #%2, as asked").arg(name).arg(occurrence));
         return;

@@ -7,6 +7,8 @@
 #include <QObject>
 #include <QPointer>
 
+#include <functional>
+
 namespace Velmora::ServiceSim {
 
 class ClientConnection;
@@ -26,6 +28,10 @@ public:
     // Takes ownership of the group.
     void addGroup(RequestGroup* group);
 
+    // Called when the plan takes a drive out of the machine, with the client whose request did it.
+    using UnplugHandler = std::function<void(quint32 driveId, ClientConnection* client)>;
+    void setUnplugHandler(UnplugHandler handler) { m_unplugHandler = std::move(handler); }
+
 public slots:
     void route(Velmora::ServiceSim::ClientConnection* client, quint32 type, QByteArray payload);
 
@@ -38,6 +44,7 @@ private:
     QHash<quint32, int> m_occurrences;
     int m_requests = 0;
     bool m_exiting = false;
+    UnplugHandler m_unplugHandler;
 };
 
 } // namespace Velmora::ServiceSim

@@ -40,6 +40,8 @@ void declareOptions(QCommandLineParser& parser, const SimulatorOptions& defaults
         {QStringLiteral("scan-steps"), QStringLiteral("Progress reports of a file-category scan."), QStringLiteral("n")},
         {QStringLiteral("copy-step-ms"), QStringLiteral("Time between progress reports of a copy."), QStringLiteral("ms")},
         {QStringLiteral("copy-steps"), QStringLiteral("Progress reports of the copy of one partition."), QStringLiteral("n")},
+        {QStringLiteral("filter-steps"), QStringLiteral("Progress reports of a filtered-size calculation."),
+            QStringLiteral("n")},
         {QStringLiteral("split-piece-ms"), QStringLiteral("Pause between the pieces of a split frame."), QStringLiteral("ms")},
         {QStringLiteral("delay"), QStringLiteral("Answer requests of TYPE late (repeatable)."), QStringLiteral("TYPE=ms")},
         {QStringLiteral("never"), QStringLiteral("Never answer requests of TYPE (repeatable)."), QStringLiteral("TYPE")},
@@ -52,6 +54,9 @@ void declareOptions(QCommandLineParser& parser, const SimulatorOptions& defaults
         {QStringLiteral("service-version"), QStringLiteral("Answer the version handshake with this version."),
             QStringLiteral("x.y.z")},
         {QStringLiteral("exit-after"), QStringLiteral("End the process on this request, unanswered."), QStringLiteral("n")},
+        {QStringLiteral("unplug"), QStringLiteral("Take DRIVE out of the machine when the Nth (or first) request of TYPE "
+                                                  "arrives (repeatable)."),
+            QStringLiteral("DRIVE@TYPE[#N]")},
     });
 }
 
@@ -63,6 +68,7 @@ bool readTimings(const QCommandLineParser& parser, Timings* timings, QString* er
         && readCount(parser, QStringLiteral("scan-steps"), 1, &timings->scanSteps, error)
         && readCount(parser, QStringLiteral("copy-step-ms"), 0, &timings->copyStepMs, error)
         && readCount(parser, QStringLiteral("copy-steps"), 1, &timings->copySteps, error)
+        && readCount(parser, QStringLiteral("filter-steps"), 1, &timings->filterSteps, error)
         && readCount(parser, QStringLiteral("split-piece-ms"), 0, &timings->splitPieceMs, error);
 }
 
@@ -76,6 +82,7 @@ bool readFaults(const QCommandLineParser& parser, FaultPlan* faults, QString* er
         {QStringLiteral("delay"), &FaultPlan::addDelay},
         {QStringLiteral("never"), &FaultPlan::addSilence},
         {QStringLiteral("fail"), &FaultPlan::addFailure},
+        {QStringLiteral("unplug"), &FaultPlan::addUnplug},
     };
     for (const auto& option : repeatable) {
         for (const QString& text : parser.values(option.first)) {

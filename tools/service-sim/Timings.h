@@ -11,6 +11,7 @@ struct Timings {
     int scanSteps = 10;        // progress reports of a file-category scan
     int copyStepMs = 250;      // between two progress reports of a copy
     int copySteps = 8;         // progress reports of the copy of one partition
+    int filterSteps = 4;       // progress reports of a filtered-size calculation
     int splitPieceMs = 2;      // pause between two pieces of a split frame
 };
 

@@ -2,6 +2,7 @@
 // and answers the program's requests from a scenario of a machine with drives.
 
 #include "BenchmarkRequests.h"
+#include "ClientConnection.h"
 #include "FileCategoryRequests.h"
 #include "FilterRequests.h"
 #include "LogFileRequests.h"
@@ -14,6 +15,7 @@
 #include "SystemRequests.h"
 
 #include "application/Logger.h"
+#include "message/Message.h"
 
 #include <QCoreApplication>
 
@@ -82,6 +84,15 @@ int main(int argc, char* argv[])
     router.addGroup(new MigrationRequests(machine, options.timings));
     router.addGroup(new FilterRequests(machine, options.timings));
     router.addGroup(new LogFileRequests(machine, options.timings));
+
+    // A pulled drive leaves the drive list, and the client hears of it at once, as the service
+    // tells the program of a device change.
+    router.setUnplugHandler([&machine](quint32 driveId, ClientConnection* client) {
+        if (machine.removeDrive(driveId))
+            client->send(Velmora::Message::Message::SystemInfo, machine.systemInfo());
+        else
+            Velmora::Logger::warning(QString(), QStringLiteral("No drive %1 to unplug").arg(driveId));
+    });
 
     ServiceServer server(faults, options.timings, &router);
     if (!server.start(options.serverName, &error)) {
