@@ -58,7 +58,7 @@ QStringList comboTexts(const QComboBox* combo)
     return texts;
 }
 
-// The caption of the page on top of the stack, or of what stands for it.
+// The page on top of the stack.
 QWidget* currentPage(const Gui::MainWindow& window)
 {
     return window.findChild<QStackedWidget*>(QStringLiteral("contentStackedWidget"))->currentWidget();
