@@ -1005,7 +1005,7 @@ TA OPERACJA USUNIE WSZYSTKIE DANE Z DYSKU DOCELOWEGO.</translation>
     </message>
     <message>
         <source>RESTART UPDATE DOWNLOAD</source>
-        <translation>WZNÓW POBIERANIE AKTUALIZACJI</translation>
+        <translation>POBIERZ AKTUALIZACJĘ PONOWNIE</translation>
     </message>
     <message>
         <source>UPDATE APPLICATION</source>
