@@ -450,6 +450,109 @@
     </message>
 </context>
 <context>
+    <name>Velmora::Gui::SupportFormPage</name>
+    <message>
+        <source>FIELDS MUST CONTAIN CORRECT DATA</source>
+        <translation>POLA MUSZĄ ZAWIERAĆ POPRAWNE DANE</translation>
+    </message>
+    <message>
+        <source>SENDING REQUEST</source>
+        <translation>WYSYŁANIE ZGŁOSZENIA</translation>
+    </message>
+    <message>
+        <source>SUPPORT REQUEST SENT</source>
+        <translation>ZGŁOSZENIE DO POMOCY TECHNICZNEJ WYSŁANE</translation>
+    </message>
+    <message>
+        <source>SUPPORT REQUEST REJECTED</source>
+        <translation>ZGŁOSZENIE DO POMOCY TECHNICZNEJ ODRZUCONE</translation>
+    </message>
+    <message>
+        <source>UNABLE TO CONNECT TO SERVER</source>
+        <translation>NIE MOŻNA POŁĄCZYĆ SIĘ Z SERWEREM</translation>
+    </message>
+    <message>
+        <source>UNABLE TO COMPLETE OPERATION</source>
+        <translation>NIE MOŻNA UKOŃCZYĆ OPERACJI</translation>
+    </message>
+    <message>
+        <source>INVALID CAPTCHA</source>
+        <translation>NIEPRAWIDŁOWY KOD CAPTCHA</translation>
+    </message>
+    <message>
+        <source>CAPTCHA NOT AVAILABLE</source>
+        <translation>KOD CAPTCHA NIEDOSTĘPNY</translation>
+    </message>
+    <message>
+        <source>CHOOSE YOUR DRIVE</source>
+        <translation>WYBIERZ DYSK</translation>
+    </message>
+    <message>
+        <source>CONTACT FORM</source>
+        <translation>FORMULARZ KONTAKTOWY</translation>
+    </message>
+    <message>
+        <source>YOUR TEXT</source>
+        <translation>TREŚĆ WIADOMOŚCI</translation>
+    </message>
+    <message>
+        <source>YOUR SSD:</source>
+        <translation>TWÓJ SSD:</translation>
+    </message>
+    <message>
+        <source>YOUR EMAIL:</source>
+        <translation>TWÓJ E-MAIL:</translation>
+    </message>
+    <message>
+        <source>TYPE YOUR EMAIL</source>
+        <translation>WPISZ SWÓJ ADRES E-MAIL</translation>
+    </message>
+    <message>
+        <source>CAPTCHA:</source>
+        <translation>CAPTCHA:</translation>
+    </message>
+    <message>
+        <source>LOADING...</source>
+        <translation>WCZYTYWANIE...</translation>
+    </message>
+    <message>
+        <source>GENERATE</source>
+        <translation>GENERUJ</translation>
+    </message>
+    <message>
+        <source>TYPE CAPTCHA</source>
+        <translation>WPISZ KOD CAPTCHA</translation>
+    </message>
+    <message>
+        <source>BY SENDING THIS FORM YOU AGREE THAT BRANTEL PROCESSES THE DATA IT CARRIES: YOUR E-MAIL ADDRESS, YOUR MESSAGE, THE SERIAL NUMBER OF THE CHOSEN DRIVE AND THE VERSION OF THIS PROGRAM. THEY ARE USED ONLY TO ANSWER YOUR REQUEST, ARE NOT PASSED ON TO THIRD PARTIES AND ARE DELETED WHEN YOUR CASE IS CLOSED. YOU MAY ASK AT ANY TIME TO SEE, CORRECT OR DELETE THEM.</source>
+        <translation>WYSYŁAJĄC TEN FORMULARZ, WYRAŻASZ ZGODĘ NA PRZETWARZANIE PRZEZ BRANTEL ZAWARTYCH W NIM DANYCH: TWOJEGO ADRESU E-MAIL, TWOJEJ WIADOMOŚCI, NUMERU SERYJNEGO WYBRANEGO DYSKU ORAZ WERSJI TEGO PROGRAMU. SĄ ONE WYKORZYSTYWANE WYŁĄCZNIE DO UDZIELENIA ODPOWIEDZI NA TWOJE ZGŁOSZENIE, NIE SĄ PRZEKAZYWANE OSOBOM TRZECIM I ZOSTAJĄ USUNIĘTE PO ZAMKNIĘCIU TWOJEJ SPRAWY. W KAŻDEJ CHWILI MOŻESZ POPROSIĆ O WGLĄD W TE DANE, ICH POPRAWIENIE LUB USUNIĘCIE.</translation>
+    </message>
+    <message>
+        <source>SEND MESSAGE</source>
+        <translation>WYŚLIJ WIADOMOŚĆ</translation>
+    </message>
+</context>
+<context>
+    <name>Velmora::Migration::AlertPage</name>
+    <message>
+        <source>DATA LOSS WARNING</source>
+        <translation>OSTRZEŻENIE O UTRACIE DANYCH</translation>
+    </message>
+    <message>
+        <source>WARNING:
+THIS OPERATION WILL ARASE ALL DATA ON DESTINATION DISK.</source>
+        <translation>OSTRZEŻENIE:
+TA OPERACJA USUNIE WSZYSTKIE DANE Z DYSKU DOCELOWEGO.</translation>
+    </message>
+</context>
+<context>
+    <name>Velmora::Migration::ErrorPage</name>
+    <message>
+        <source>MIGRATION FAILED</source>
+        <translation>MIGRACJA NIE POWIODŁA SIĘ</translation>
+    </message>
+</context>
+<context>
     <name>Velmora::Migration::FileSystemFilter</name>
     <message>
         <source>LOADING...</source>
@@ -462,6 +565,103 @@
     <message>
         <source>SIZE</source>
         <translation>ROZMIAR</translation>
+    </message>
+</context>
+<context>
+    <name>Velmora::Migration::FiltersPage</name>
+    <message>
+        <source>CHOOSE FILES TO MIGRATE</source>
+        <translation>WYBIERZ PLIKI DO MIGRACJI</translation>
+    </message>
+    <message>
+        <source>CALCULATE</source>
+        <translation>OBLICZ</translation>
+    </message>
+    <message>
+        <source>PLEASE WAIT FOR PARTITION SIZE ESTIMATION...</source>
+        <translation>ZACZEKAJ NA OSZACOWANIE ROZMIARU PARTYCJI...</translation>
+    </message>
+    <message>
+        <source>FILES AND FOLDERS</source>
+        <translation>PLIKI I FOLDERY</translation>
+    </message>
+    <message>
+        <source>FILE TYPES</source>
+        <translation>TYPY PLIKÓW</translation>
+    </message>
+    <message>
+        <source>DATA TO MIGRATE:</source>
+        <translation>DANE DO MIGRACJI:</translation>
+    </message>
+    <message>
+        <source>UNSELECT FILES AND FOLDERS YOU WANT TO SKIP DURING MIGRATION</source>
+        <translation>ODZNACZ PLIKI I FOLDERY, KTÓRE CHCESZ POMINĄĆ PODCZAS MIGRACJI</translation>
+    </message>
+    <message>
+        <source>UNSELECT FILE TYPES YOU WANT TO SKIP DURING MIGRATION</source>
+        <translation>ODZNACZ TYPY PLIKÓW, KTÓRE CHCESZ POMINĄĆ PODCZAS MIGRACJI</translation>
+    </message>
+    <message>
+        <source>VIDEO</source>
+        <translation>WIDEO</translation>
+    </message>
+    <message>
+        <source>SOUND</source>
+        <translation>AUDIO</translation>
+    </message>
+    <message>
+        <source>DOCUMENTS</source>
+        <translation>DOKUMENTY</translation>
+    </message>
+    <message>
+        <source>PICTURES</source>
+        <translation>OBRAZY</translation>
+    </message>
+    <message>
+        <source>CALCULATING...</source>
+        <translation>OBLICZANIE...</translation>
+    </message>
+</context>
+<context>
+    <name>Velmora::Migration::FinishPage</name>
+    <message>
+        <source>MIGRATION STATUS</source>
+        <translation>STAN MIGRACJI</translation>
+    </message>
+    <message>
+        <source>MIGRATION SUCCESFUL</source>
+        <translation>MIGRACJA ZAKOŃCZONA POWODZENIEM</translation>
+    </message>
+    <message>
+        <source>Velmora tool has successfully migrated your operating system, but the files and directories listed below failed to copy. Despite this your system should be operational.</source>
+        <translation>Narzędzie Velmora pomyślnie przeniosło system operacyjny, ale nie udało się skopiować wymienionych poniżej plików i katalogów. Mimo to system powinien działać poprawnie.</translation>
+    </message>
+</context>
+<context>
+    <name>Velmora::Migration::InitPage</name>
+    <message>
+        <source>CHOOSE YOUR DRIVE</source>
+        <translation>WYBIERZ DYSK</translation>
+    </message>
+    <message>
+        <source>MIGRATE FROM</source>
+        <translation>MIGRUJ Z</translation>
+    </message>
+    <message>
+        <source>MIGRATE TO</source>
+        <translation>MIGRUJ NA</translation>
+    </message>
+    <message>
+        <source>DRIVE:</source>
+        <translation>DYSK:</translation>
+    </message>
+    <message>
+        <source>DRIVE STORAGE:</source>
+        <translation>POJEMNOŚĆ DYSKU:</translation>
+    </message>
+    <message>
+        <source>OCCUPIED SPACE:</source>
+        <translation>ZAJĘTE MIEJSCE:</translation>
     </message>
 </context>
 <context>
@@ -503,6 +703,204 @@
     </message>
 </context>
 <context>
+    <name>Velmora::Migration::MigrationWizard</name>
+    <message>
+        <source>CANCEL</source>
+        <translation>ANULUJ</translation>
+    </message>
+    <message>
+        <source>BACK</source>
+        <translation>WSTECZ</translation>
+    </message>
+    <message>
+        <source>NEXT</source>
+        <translation>DALEJ</translation>
+    </message>
+    <message>
+        <source>START</source>
+        <translation>ROZPOCZNIJ</translation>
+    </message>
+    <message>
+        <source>APPLY</source>
+        <translation>ZASTOSUJ</translation>
+    </message>
+    <message>
+        <source>HOME</source>
+        <translation>STRONA GŁÓWNA</translation>
+    </message>
+</context>
+<context>
+    <name>Velmora::Migration::PageBase</name>
+    <message>
+        <source>STEP</source>
+        <translation>KROK</translation>
+    </message>
+</context>
+<context>
+    <name>Velmora::Migration::PartitionDetailsWidget</name>
+    <message>
+        <source>EXCLUDE FILES...</source>
+        <translation>WYKLUCZ PLIKI...</translation>
+    </message>
+    <message>
+        <source>[NO LABEL]</source>
+        <translation>[BEZ ETYKIETY]</translation>
+    </message>
+    <message>
+        <source>UPDATING USED SIZE AFTER FILTERS APPLIED</source>
+        <translation>AKTUALIZOWANIE ZAJĘTEGO MIEJSCA PO ZASTOSOWANIU FILTRÓW</translation>
+    </message>
+    <message>
+        <source>DATA FITS BUT RECOMMENDED MINIMUM SIZE IS: %1</source>
+        <translation>DANE SIĘ ZMIESZCZĄ, ALE ZALECANY MINIMALNY ROZMIAR TO: %1</translation>
+    </message>
+    <message>
+        <source>DATA DOES NOT FIT TO PARTITION. INCREASE PARTITION SIZE OR FILTER DATA.</source>
+        <translation>DANE NIE MIESZCZĄ SIĘ NA PARTYCJI. ZWIĘKSZ ROZMIAR PARTYCJI LUB ODFILTRUJ DANE.</translation>
+    </message>
+    <message>
+        <source>RECOMMENDED SIZE: %1</source>
+        <translation>ZALECANY ROZMIAR: %1</translation>
+    </message>
+</context>
+<context>
+    <name>Velmora::Migration::PartitionSizePage</name>
+    <message>
+        <source>PARTITIONS</source>
+        <translation>PARTYCJE</translation>
+    </message>
+    <message>
+        <source>Please wait for partition size estimation...</source>
+        <translation>Zaczekaj na oszacowanie rozmiaru partycji...</translation>
+    </message>
+    <message>
+        <source>SOURCE DRIVE</source>
+        <translation>DYSK ŹRÓDŁOWY</translation>
+    </message>
+    <message>
+        <source>PARTITIONS TO MIGRATE</source>
+        <translation>PARTYCJE DO MIGRACJI</translation>
+    </message>
+    <message>
+        <source>DESTINATION DRIVE</source>
+        <translation>DYSK DOCELOWY</translation>
+    </message>
+    <message>
+        <source>PARTITION</source>
+        <translation>PARTYCJA</translation>
+    </message>
+    <message>
+        <source>USED</source>
+        <translation>ZAJĘTE</translation>
+    </message>
+    <message>
+        <source>SIZE</source>
+        <translation>ROZMIAR</translation>
+    </message>
+    <message>
+        <source>EXCLUDE FILES</source>
+        <translation>WYKLUCZ PLIKI</translation>
+    </message>
+</context>
+<context>
+    <name>Velmora::Migration::ProgressPage</name>
+    <message>
+        <source>MIGRATION STATUS</source>
+        <translation>STAN MIGRACJI</translation>
+    </message>
+    <message>
+        <source>MIGRATION IN PROGRESS</source>
+        <translation>MIGRACJA W TOKU</translation>
+    </message>
+    <message>
+        <source>REMOVING PARTITIONS...</source>
+        <translation>USUWANIE PARTYCJI...</translation>
+    </message>
+    <message>
+        <source>PREPARING NEW PARTITIONS...</source>
+        <translation>PRZYGOTOWYWANIE NOWYCH PARTYCJI...</translation>
+    </message>
+    <message>
+        <source>COPYING FILES... %1 / %2</source>
+        <translation>KOPIOWANIE PLIKÓW... %1 / %2</translation>
+    </message>
+    <message>
+        <source>CHANGING BOOT CONFIGURATION...</source>
+        <translation>ZMIENIANIE KONFIGURACJI ROZRUCHU...</translation>
+    </message>
+</context>
+<context>
+    <name>Velmora::Settings::GeneralSettings</name>
+    <message>
+        <source>GENERAL</source>
+        <translation>OGÓLNE</translation>
+    </message>
+</context>
+<context>
+    <name>Velmora::Settings::GeneralSettingsWidget</name>
+    <message>
+        <source>START ON SYSTEM STARTUP</source>
+        <translation>URUCHAMIAJ PRZY STARCIE SYSTEMU</translation>
+    </message>
+    <message>
+        <source>ENABLE AUTOMATIC UPDATES CHECK</source>
+        <translation>WŁĄCZ AUTOMATYCZNE SPRAWDZANIE AKTUALIZACJI</translation>
+    </message>
+    <message>
+        <source>LANGUAGE</source>
+        <translation>JĘZYK</translation>
+    </message>
+    <message>
+        <source>CHANGES WILL TAKE EFFECT AFTER AN APPLICATION RESTART</source>
+        <translation>ZMIANY ZACZNĄ OBOWIĄZYWAĆ PO PONOWNYM URUCHOMIENIU PROGRAMU</translation>
+    </message>
+</context>
+<context>
+    <name>Velmora::Settings::SmartSettings</name>
+    <message>
+        <source>S.M.A.R.T.</source>
+        <translation>S.M.A.R.T.</translation>
+    </message>
+    <message>
+        <source>NONE</source>
+        <translation>NIGDY</translation>
+    </message>
+    <message>
+        <source>EVERY 5 MINUTES</source>
+        <translation>CO 5 MINUT</translation>
+    </message>
+    <message>
+        <source>EVERY 10 MINUTES</source>
+        <translation>CO 10 MINUT</translation>
+    </message>
+    <message>
+        <source>EVERY 15 MINUTES</source>
+        <translation>CO 15 MINUT</translation>
+    </message>
+    <message>
+        <source>EVERY 30 MINUTES</source>
+        <translation>CO 30 MINUT</translation>
+    </message>
+    <message>
+        <source>EVERY HOUR</source>
+        <translation>CO GODZINĘ</translation>
+    </message>
+</context>
+<context>
+    <name>Velmora::Settings::SmartSettingsWidget</name>
+    <message>
+        <source>REFRESH S.M.A.R.T. AUTOMATICALLY</source>
+        <translation>AUTOMATYCZNIE ODŚWIEŻAJ S.M.A.R.T.</translation>
+    </message>
+</context>
+<context>
+    <name>Velmora::Settings::UpdateSettings</name>
+    <message>
+        <source>UPDATE</source>
+        <translation>AKTUALIZACJA</translation>
+    </message>
+</context>
+<context>
     <name>Velmora::System::Drive</name>
     <message>
         <source>LOW FREE SPACE ON DRIVE %1.</source>
@@ -519,6 +917,13 @@
     <message>
         <source>DRIVE %1 COULD WORK FASTER.</source>
         <translation>DYSK %1 MÓGŁBY DZIAŁAĆ SZYBCIEJ.</translation>
+    </message>
+</context>
+<context>
+    <name>Velmora::System::DriveWidget</name>
+    <message>
+        <source>DRIVE %1 %2 %3 %4</source>
+        <translation>DYSK %1 %2 %3 %4</translation>
     </message>
 </context>
 <context>
@@ -550,6 +955,61 @@
     <message>
         <source>OTHER</source>
         <translation>INNE</translation>
+    </message>
+</context>
+<context>
+    <name>Velmora::Update::UpdateSettingsWidget</name>
+    <message>
+        <source>APPLICATION VERSION:</source>
+        <translation>WERSJA PROGRAMU:</translation>
+    </message>
+    <message>
+        <source>AVAILABLE VERSION:</source>
+        <translation>DOSTĘPNA WERSJA:</translation>
+    </message>
+    <message>
+        <source>SPEED:</source>
+        <translation>PRĘDKOŚĆ:</translation>
+    </message>
+    <message>
+        <source>CHECK FOR UPDATES</source>
+        <translation>SPRAWDŹ AKTUALIZACJE</translation>
+    </message>
+    <message>
+        <source>ABOUT</source>
+        <translation>O PROGRAMIE</translation>
+    </message>
+    <message>
+        <source>%1 MB/s</source>
+        <translation>%1 MB/s</translation>
+    </message>
+    <message>
+        <source>NO UPDATES AVAILABLE</source>
+        <translation>BRAK DOSTĘPNYCH AKTUALIZACJI</translation>
+    </message>
+    <message>
+        <source>DATA NOT AVAILABLE</source>
+        <translation>DANE NIEDOSTĘPNE</translation>
+    </message>
+    <message>
+        <source>DOWNLOADING UPDATE</source>
+        <translation>POBIERANIE AKTUALIZACJI</translation>
+    </message>
+    <message>
+        <source>UPDATE FAILED, PLEASE RETRY</source>
+        <translation>AKTUALIZACJA NIE POWIODŁA SIĘ, SPRÓBUJ PONOWNIE</translation>
+    </message>
+    <message>
+        <source>COLLECTING DATA</source>
+        <translation>ZBIERANIE DANYCH</translation>
+    </message>
+    <message>
+        <source>RESTART UPDATE DOWNLOAD</source>
+        <translation>POBIERZ AKTUALIZACJĘ PONOWNIE</translation>
+    </message>
+    <message>
+        <source>UPDATE APPLICATION</source>
+        <translation>ZAKTUALIZUJ PROGRAM</translation>
     </message>
 </context>
 </TS>

@@ -450,6 +450,109 @@
     </message>
 </context>
 <context>
+    <name>Velmora::Gui::SupportFormPage</name>
+    <message>
+        <source>FIELDS MUST CONTAIN CORRECT DATA</source>
+        <translation>ПОЛЯ МАЮТЬ МІСТИТИ КОРЕКТНІ ДАНІ</translation>
+    </message>
+    <message>
+        <source>SENDING REQUEST</source>
+        <translation>НАДСИЛАННЯ ЗАПИТУ</translation>
+    </message>
+    <message>
+        <source>SUPPORT REQUEST SENT</source>
+        <translation>ЗАПИТ ДО ТЕХПІДТРИМКИ НАДІСЛАНО</translation>
+    </message>
+    <message>
+        <source>SUPPORT REQUEST REJECTED</source>
+        <translation>ЗАПИТ ДО ТЕХПІДТРИМКИ ВІДХИЛЕНО</translation>
+    </message>
+    <message>
+        <source>UNABLE TO CONNECT TO SERVER</source>
+        <translation>НЕ ВДАЄТЬСЯ ПІДКЛЮЧИТИСЯ ДО СЕРВЕРА</translation>
+    </message>
+    <message>
+        <source>UNABLE TO COMPLETE OPERATION</source>
+        <translation>НЕ ВДАЄТЬСЯ ЗАВЕРШИТИ ОПЕРАЦІЮ</translation>
+    </message>
+    <message>
+        <source>INVALID CAPTCHA</source>
+        <translation>НЕПРАВИЛЬНА CAPTCHA</translation>
+    </message>
+    <message>
+        <source>CAPTCHA NOT AVAILABLE</source>
+        <translation>CAPTCHA НЕДОСТУПНА</translation>
+    </message>
+    <message>
+        <source>CHOOSE YOUR DRIVE</source>
+        <translation>ОБЕРІТЬ ДИСК</translation>
+    </message>
+    <message>
+        <source>CONTACT FORM</source>
+        <translation>ФОРМА ЗВОРОТНОГО ЗВ’ЯЗКУ</translation>
+    </message>
+    <message>
+        <source>YOUR TEXT</source>
+        <translation>ТЕКСТ ПОВІДОМЛЕННЯ</translation>
+    </message>
+    <message>
+        <source>YOUR SSD:</source>
+        <translation>ВАШ SSD:</translation>
+    </message>
+    <message>
+        <source>YOUR EMAIL:</source>
+        <translation>ВАШ E-MAIL:</translation>
+    </message>
+    <message>
+        <source>TYPE YOUR EMAIL</source>
+        <translation>ВВЕДІТЬ ВАШ E-MAIL</translation>
+    </message>
+    <message>
+        <source>CAPTCHA:</source>
+        <translation>CAPTCHA:</translation>
+    </message>
+    <message>
+        <source>LOADING...</source>
+        <translation>ЗАВАНТАЖЕННЯ...</translation>
+    </message>
+    <message>
+        <source>GENERATE</source>
+        <translation>ЗГЕНЕРУВАТИ</translation>
+    </message>
+    <message>
+        <source>TYPE CAPTCHA</source>
+        <translation>ВВЕДІТЬ CAPTCHA</translation>
+    </message>
+    <message>
+        <source>BY SENDING THIS FORM YOU AGREE THAT BRANTEL PROCESSES THE DATA IT CARRIES: YOUR E-MAIL ADDRESS, YOUR MESSAGE, THE SERIAL NUMBER OF THE CHOSEN DRIVE AND THE VERSION OF THIS PROGRAM. THEY ARE USED ONLY TO ANSWER YOUR REQUEST, ARE NOT PASSED ON TO THIRD PARTIES AND ARE DELETED WHEN YOUR CASE IS CLOSED. YOU MAY ASK AT ANY TIME TO SEE, CORRECT OR DELETE THEM.</source>
+        <translation>НАДСИЛАЮЧИ ЦЮ ФОРМУ, ВИ ПОГОДЖУЄТЕСЯ З ТИМ, ЩО BRANTEL ОБРОБЛЯЄ ДАНІ, ЯКІ ВОНА МІСТИТЬ: ВАШУ АДРЕСУ ЕЛЕКТРОННОЇ ПОШТИ, ВАШЕ ПОВІДОМЛЕННЯ, СЕРІЙНИЙ НОМЕР ОБРАНОГО ДИСКА ТА ВЕРСІЮ ЦІЄЇ ПРОГРАМИ. ВОНИ ВИКОРИСТОВУЮТЬСЯ ЛИШЕ ДЛЯ ВІДПОВІДІ НА ВАШ ЗАПИТ, НЕ ПЕРЕДАЮТЬСЯ ТРЕТІМ ОСОБАМ І ВИДАЛЯЮТЬСЯ ПІСЛЯ ЗАКРИТТЯ ВАШОГО ЗВЕРНЕННЯ. ВИ БУДЬ-КОЛИ МОЖЕТЕ ПОПРОСИТИ ПОКАЗАТИ, ВИПРАВИТИ АБО ВИДАЛИТИ ЇХ.</translation>
+    </message>
+    <message>
+        <source>SEND MESSAGE</source>
+        <translation>НАДІСЛАТИ ПОВІДОМЛЕННЯ</translation>
+    </message>
+</context>
+<context>
+    <name>Velmora::Migration::AlertPage</name>
+    <message>
+        <source>DATA LOSS WARNING</source>
+        <translation>ПОПЕРЕДЖЕННЯ ПРО ВТРАТУ ДАНИХ</translation>
+    </message>
+    <message>
+        <source>WARNING:
+THIS OPERATION WILL ARASE ALL DATA ON DESTINATION DISK.</source>
+        <translation>УВАГА:
+ЦЯ ОПЕРАЦІЯ ВИДАЛИТЬ УСІ ДАНІ НА ЦІЛЬОВОМУ ДИСКУ.</translation>
+    </message>
+</context>
+<context>
+    <name>Velmora::Migration::ErrorPage</name>
+    <message>
+        <source>MIGRATION FAILED</source>
+        <translation>ПОМИЛКА ПЕРЕНЕСЕННЯ</translation>
+    </message>
+</context>
+<context>
     <name>Velmora::Migration::FileSystemFilter</name>
     <message>
         <source>LOADING...</source>
@@ -462,6 +565,103 @@
     <message>
         <source>SIZE</source>
         <translation>РОЗМІР</translation>
+    </message>
+</context>
+<context>
+    <name>Velmora::Migration::FiltersPage</name>
+    <message>
+        <source>CHOOSE FILES TO MIGRATE</source>
+        <translation>ОБЕРІТЬ ФАЙЛИ ДЛЯ ПЕРЕНЕСЕННЯ</translation>
+    </message>
+    <message>
+        <source>CALCULATE</source>
+        <translation>ОБЧИСЛИТИ</translation>
+    </message>
+    <message>
+        <source>PLEASE WAIT FOR PARTITION SIZE ESTIMATION...</source>
+        <translation>ЗАЧЕКАЙТЕ, ТРИВАЄ ОЦІНЮВАННЯ РОЗМІРУ РОЗДІЛІВ...</translation>
+    </message>
+    <message>
+        <source>FILES AND FOLDERS</source>
+        <translation>ФАЙЛИ Й ПАПКИ</translation>
+    </message>
+    <message>
+        <source>FILE TYPES</source>
+        <translation>ТИПИ ФАЙЛІВ</translation>
+    </message>
+    <message>
+        <source>DATA TO MIGRATE:</source>
+        <translation>ДАНІ ДЛЯ ПЕРЕНЕСЕННЯ:</translation>
+    </message>
+    <message>
+        <source>UNSELECT FILES AND FOLDERS YOU WANT TO SKIP DURING MIGRATION</source>
+        <translation>ЗНІМІТЬ ПОЗНАЧКУ З ФАЙЛІВ І ПАПОК, ЯКІ ПОТРІБНО ПРОПУСТИТИ ПІД ЧАС ПЕРЕНЕСЕННЯ</translation>
+    </message>
+    <message>
+        <source>UNSELECT FILE TYPES YOU WANT TO SKIP DURING MIGRATION</source>
+        <translation>ЗНІМІТЬ ПОЗНАЧКУ З ТИПІВ ФАЙЛІВ, ЯКІ ПОТРІБНО ПРОПУСТИТИ ПІД ЧАС ПЕРЕНЕСЕННЯ</translation>
+    </message>
+    <message>
+        <source>VIDEO</source>
+        <translation>ВІДЕО</translation>
+    </message>
+    <message>
+        <source>SOUND</source>
+        <translation>АУДІО</translation>
+    </message>
+    <message>
+        <source>DOCUMENTS</source>
+        <translation>ДОКУМЕНТИ</translation>
+    </message>
+    <message>
+        <source>PICTURES</source>
+        <translation>ЗОБРАЖЕННЯ</translation>
+    </message>
+    <message>
+        <source>CALCULATING...</source>
+        <translation>ОБЧИСЛЕННЯ...</translation>
+    </message>
+</context>
+<context>
+    <name>Velmora::Migration::FinishPage</name>
+    <message>
+        <source>MIGRATION STATUS</source>
+        <translation>СТАН ПЕРЕНЕСЕННЯ</translation>
+    </message>
+    <message>
+        <source>MIGRATION SUCCESFUL</source>
+        <translation>ПЕРЕНЕСЕННЯ УСПІШНО ЗАВЕРШЕНО</translation>
+    </message>
+    <message>
+        <source>Velmora tool has successfully migrated your operating system, but the files and directories listed below failed to copy. Despite this your system should be operational.</source>
+        <translation>Програма Velmora успішно перенесла вашу операційну систему, але наведені нижче файли й папки не вдалося скопіювати. Попри це, система має працювати.</translation>
+    </message>
+</context>
+<context>
+    <name>Velmora::Migration::InitPage</name>
+    <message>
+        <source>CHOOSE YOUR DRIVE</source>
+        <translation>ОБЕРІТЬ ДИСК</translation>
+    </message>
+    <message>
+        <source>MIGRATE FROM</source>
+        <translation>ПЕРЕНЕСТИ З</translation>
+    </message>
+    <message>
+        <source>MIGRATE TO</source>
+        <translation>ПЕРЕНЕСТИ НА</translation>
+    </message>
+    <message>
+        <source>DRIVE:</source>
+        <translation>ДИСК:</translation>
+    </message>
+    <message>
+        <source>DRIVE STORAGE:</source>
+        <translation>ОБСЯГ ДИСКА:</translation>
+    </message>
+    <message>
+        <source>OCCUPIED SPACE:</source>
+        <translation>ЗАЙНЯТО:</translation>
     </message>
 </context>
 <context>
@@ -503,6 +703,204 @@
     </message>
 </context>
 <context>
+    <name>Velmora::Migration::MigrationWizard</name>
+    <message>
+        <source>CANCEL</source>
+        <translation>СКАСУВАТИ</translation>
+    </message>
+    <message>
+        <source>BACK</source>
+        <translation>НАЗАД</translation>
+    </message>
+    <message>
+        <source>NEXT</source>
+        <translation>ДАЛІ</translation>
+    </message>
+    <message>
+        <source>START</source>
+        <translation>ЗАПУСТИТИ</translation>
+    </message>
+    <message>
+        <source>APPLY</source>
+        <translation>ЗАСТОСУВАТИ</translation>
+    </message>
+    <message>
+        <source>HOME</source>
+        <translation>НА ГОЛОВНУ</translation>
+    </message>
+</context>
+<context>
+    <name>Velmora::Migration::PageBase</name>
+    <message>
+        <source>STEP</source>
+        <translation>КРОК</translation>
+    </message>
+</context>
+<context>
+    <name>Velmora::Migration::PartitionDetailsWidget</name>
+    <message>
+        <source>EXCLUDE FILES...</source>
+        <translation>ВИКЛЮЧИТИ ФАЙЛИ...</translation>
+    </message>
+    <message>
+        <source>[NO LABEL]</source>
+        <translation>[БЕЗ МІТКИ]</translation>
+    </message>
+    <message>
+        <source>UPDATING USED SIZE AFTER FILTERS APPLIED</source>
+        <translation>ПЕРЕРАХУНОК ЗАЙНЯТОГО МІСЦЯ З УРАХУВАННЯМ ФІЛЬТРІВ</translation>
+    </message>
+    <message>
+        <source>DATA FITS BUT RECOMMENDED MINIMUM SIZE IS: %1</source>
+        <translation>ДАНІ ВМІСТЯТЬСЯ, АЛЕ РЕКОМЕНДОВАНИЙ МІНІМАЛЬНИЙ РОЗМІР: %1</translation>
+    </message>
+    <message>
+        <source>DATA DOES NOT FIT TO PARTITION. INCREASE PARTITION SIZE OR FILTER DATA.</source>
+        <translation>ДАНІ НЕ ВМІЩУЮТЬСЯ В РОЗДІЛ. ЗБІЛЬШТЕ РОЗМІР РОЗДІЛУ АБО ВІДФІЛЬТРУЙТЕ ДАНІ.</translation>
+    </message>
+    <message>
+        <source>RECOMMENDED SIZE: %1</source>
+        <translation>РЕКОМЕНДОВАНИЙ РОЗМІР: %1</translation>
+    </message>
+</context>
+<context>
+    <name>Velmora::Migration::PartitionSizePage</name>
+    <message>
+        <source>PARTITIONS</source>
+        <translation>РОЗДІЛИ</translation>
+    </message>
+    <message>
+        <source>Please wait for partition size estimation...</source>
+        <translation>Зачекайте, триває оцінювання розміру розділів...</translation>
+    </message>
+    <message>
+        <source>SOURCE DRIVE</source>
+        <translation>ВИХІДНИЙ ДИСК</translation>
+    </message>
+    <message>
+        <source>PARTITIONS TO MIGRATE</source>
+        <translation>РОЗДІЛИ ДЛЯ ПЕРЕНЕСЕННЯ</translation>
+    </message>
+    <message>
+        <source>DESTINATION DRIVE</source>
+        <translation>ЦІЛЬОВИЙ ДИСК</translation>
+    </message>
+    <message>
+        <source>PARTITION</source>
+        <translation>РОЗДІЛ</translation>
+    </message>
+    <message>
+        <source>USED</source>
+        <translation>ЗАЙНЯТО</translation>
+    </message>
+    <message>
+        <source>SIZE</source>
+        <translation>РОЗМІР</translation>
+    </message>
+    <message>
+        <source>EXCLUDE FILES</source>
+        <translation>ВИКЛЮЧИТИ ФАЙЛИ</translation>
+    </message>
+</context>
+<context>
+    <name>Velmora::Migration::ProgressPage</name>
+    <message>
+        <source>MIGRATION STATUS</source>
+        <translation>СТАН ПЕРЕНЕСЕННЯ</translation>
+    </message>
+    <message>
+        <source>MIGRATION IN PROGRESS</source>
+        <translation>ТРИВАЄ ПЕРЕНЕСЕННЯ</translation>
+    </message>
+    <message>
+        <source>REMOVING PARTITIONS...</source>
+        <translation>ВИДАЛЕННЯ РОЗДІЛІВ...</translation>
+    </message>
+    <message>
+        <source>PREPARING NEW PARTITIONS...</source>
+        <translation>ПІДГОТОВКА НОВИХ РОЗДІЛІВ...</translation>
+    </message>
+    <message>
+        <source>COPYING FILES... %1 / %2</source>
+        <translation>КОПІЮВАННЯ ФАЙЛІВ... %1 / %2</translation>
+    </message>
+    <message>
+        <source>CHANGING BOOT CONFIGURATION...</source>
+        <translation>ЗМІНЕННЯ КОНФІГУРАЦІЇ ЗАВАНТАЖЕННЯ...</translation>
+    </message>
+</context>
+<context>
+    <name>Velmora::Settings::GeneralSettings</name>
+    <message>
+        <source>GENERAL</source>
+        <translation>ЗАГАЛЬНІ</translation>
+    </message>
+</context>
+<context>
+    <name>Velmora::Settings::GeneralSettingsWidget</name>
+    <message>
+        <source>START ON SYSTEM STARTUP</source>
+        <translation>ЗАПУСКАТИ ПІД ЧАС ЗАВАНТАЖЕННЯ СИСТЕМИ</translation>
+    </message>
+    <message>
+        <source>ENABLE AUTOMATIC UPDATES CHECK</source>
+        <translation>УВІМКНУТИ АВТОМАТИЧНУ ПЕРЕВІРКУ ОНОВЛЕНЬ</translation>
+    </message>
+    <message>
+        <source>LANGUAGE</source>
+        <translation>МОВА</translation>
+    </message>
+    <message>
+        <source>CHANGES WILL TAKE EFFECT AFTER AN APPLICATION RESTART</source>
+        <translation>ЗМІНИ НАБУДУТЬ ЧИННОСТІ ПІСЛЯ ПЕРЕЗАПУСКУ ПРОГРАМИ</translation>
+    </message>
+</context>
+<context>
+    <name>Velmora::Settings::SmartSettings</name>
+    <message>
+        <source>S.M.A.R.T.</source>
+        <translation>S.M.A.R.T.</translation>
+    </message>
+    <message>
+        <source>NONE</source>
+        <translation>НІКОЛИ</translation>
+    </message>
+    <message>
+        <source>EVERY 5 MINUTES</source>
+        <translation>ЩО 5 ХВИЛИН</translation>
+    </message>
+    <message>
+        <source>EVERY 10 MINUTES</source>
+        <translation>ЩО 10 ХВИЛИН</translation>
+    </message>
+    <message>
+        <source>EVERY 15 MINUTES</source>
+        <translation>ЩО 15 ХВИЛИН</translation>
+    </message>
+    <message>
+        <source>EVERY 30 MINUTES</source>
+        <translation>ЩО 30 ХВИЛИН</translation>
+    </message>
+    <message>
+        <source>EVERY HOUR</source>
+        <translation>ЩОГОДИНИ</translation>
+    </message>
+</context>
+<context>
+    <name>Velmora::Settings::SmartSettingsWidget</name>
+    <message>
+        <source>REFRESH S.M.A.R.T. AUTOMATICALLY</source>
+        <translation>АВТОМАТИЧНО ОНОВЛЮВАТИ S.M.A.R.T.</translation>
+    </message>
+</context>
+<context>
+    <name>Velmora::Settings::UpdateSettings</name>
+    <message>
+        <source>UPDATE</source>
+        <translation>ОНОВЛЕННЯ</translation>
+    </message>
+</context>
+<context>
     <name>Velmora::System::Drive</name>
     <message>
         <source>LOW FREE SPACE ON DRIVE %1.</source>
@@ -519,6 +917,13 @@
     <message>
         <source>DRIVE %1 COULD WORK FASTER.</source>
         <translation>ДИСК %1 МІГ БИ ПРАЦЮВАТИ ШВИДШЕ.</translation>
+    </message>
+</context>
+<context>
+    <name>Velmora::System::DriveWidget</name>
+    <message>
+        <source>DRIVE %1 %2 %3 %4</source>
+        <translation>ДИСК %1 %2 %3 %4</translation>
     </message>
 </context>
 <context>
@@ -550,6 +955,61 @@
     <message>
         <source>OTHER</source>
         <translation>ІНШЕ</translation>
+    </message>
+</context>
+<context>
+    <name>Velmora::Update::UpdateSettingsWidget</name>
+    <message>
+        <source>APPLICATION VERSION:</source>
+        <translation>ВЕРСІЯ ПРОГРАМИ:</translation>
+    </message>
+    <message>
+        <source>AVAILABLE VERSION:</source>
+        <translation>ДОСТУПНА ВЕРСІЯ:</translation>
+    </message>
+    <message>
+        <source>SPEED:</source>
+        <translation>ШВИДКІСТЬ:</translation>
+    </message>
+    <message>
+        <source>CHECK FOR UPDATES</source>
+        <translation>ПЕРЕВІРИТИ ОНОВЛЕННЯ</translation>
+    </message>
+    <message>
+        <source>ABOUT</source>
+        <translation>ПРО ПРОГРАМУ</translation>
+    </message>
+    <message>
+        <source>%1 MB/s</source>
+        <translation>%1 МБ/с</translation>
+    </message>
+    <message>
+        <source>NO UPDATES AVAILABLE</source>
+        <translation>НЕМАЄ ДОСТУПНИХ ОНОВЛЕНЬ</translation>
+    </message>
+    <message>
+        <source>DATA NOT AVAILABLE</source>
+        <translation>ДАНІ НЕДОСТУПНІ</translation>
+    </message>
+    <message>
+        <source>DOWNLOADING UPDATE</source>
+        <translation>ЗАВАНТАЖЕННЯ ОНОВЛЕННЯ</translation>
+    </message>
+    <message>
+        <source>UPDATE FAILED, PLEASE RETRY</source>
+        <translation>ПОМИЛКА ОНОВЛЕННЯ, СПРОБУЙТЕ ЩЕ РАЗ</translation>
+    </message>
+    <message>
+        <source>COLLECTING DATA</source>
+        <translation>ЗБИРАННЯ ДАНИХ</translation>
+    </message>
+    <message>
+        <source>RESTART UPDATE DOWNLOAD</source>
+        <translation>ПЕРЕЗАПУСТИТИ ЗАВАНТАЖЕННЯ ОНОВЛЕННЯ</translation>
+    </message>
+    <message>
+        <source>UPDATE APPLICATION</source>
+        <translation>ОНОВИТИ ПРОГРАМУ</translation>
     </message>
 </context>
 </TS>

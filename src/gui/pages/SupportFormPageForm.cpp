@@ -139,8 +139,9 @@ void SupportFormPage::buildForm()
     for (QWidget* field : std::initializer_list<QWidget*>{supportFormMessage, lineEdit_email, lineEdit_captcha})
         setTextColors(field);
 
+    // A floor, not a fixed width: the column grows with the longest caption of the language.
     for (QLabel* caption : {yourSSDLabel, yourEmailLabel, label})
-        caption->setFixedWidth(CaptionWidth);
+        caption->setMinimumWidth(CaptionWidth);
     auto* fieldsLayout = new QGridLayout(fieldsPanel);
     fieldsLayout->setContentsMargins(24, 20, 24, 20);
     fieldsLayout->setHorizontalSpacing(12);
