@@ -3,7 +3,7 @@
 # processes on a virtual screen, driven by mouse and keyboard (xdotool), with a screenshot of
 # every page. Needs a build of kestravin, Kestravin_Service and x11probe.
 #
-#   scripts/wizard-demo.sh <run> [WIDTHxHEIGHT]
+#   scripts/wizard-demo.sh <run> [WIDTHxHEIGHT] [LANGUAGE]
 #
 # Runs: plan    drives chosen, estimation, filters of D: (a folder and a file type unchecked,
 #               applied), D: shrunk until its lamp turns bad and back, warning, START, progress,
@@ -11,15 +11,18 @@
 #       cancel  the same road, cancelled during the copy, HOME afterwards
 #       fail    formatting the second partition fails; the error page, then HOME
 #       unplug  the destination pulled while partitions are being created
-# Screenshots and logs go to /tmp/wizard-demo/<run>-<size>/.
+# LANGUAGE is en (the default), pl, ru or uk. Screenshots and logs go to
+# /tmp/wizard-demo/<run>-<size>[-<language>]/.
 set -u
 cd "$(dirname "$0")/.."
 run=${1:-plan}
 size=${2:-1366x768}
+language=${3:-en}
 bin=$(cd "${BUILD_DIR:-build}/bin" && pwd)
 probe=$bin/x11probe
 source tests/realstart/helpers.sh
 work=/tmp/wizard-demo/$run-$size
+[ "$language" = en ] || work=$work-$language
 tmp=$work/tmp
 title="KESTRAVIN SSD"
 
@@ -34,6 +37,8 @@ esac
 rm -rf "$work"
 mkdir -p "$work"/home/{config,data,cache,runtime} "$tmp"
 chmod 700 "$work/home/runtime"
+mkdir -p "$work/home/config/BRANTEL"
+printf '[Application]\nLanguage=%s\n' "$language" >"$work/home/config/BRANTEL/KESTRAVIN.conf"
 prepare_instance_lock "$tmp" || exit 1
 export HOME=$work/home XDG_CONFIG_HOME=$work/home/config XDG_DATA_HOME=$work/home/data
 export XDG_CACHE_HOME=$work/home/cache XDG_RUNTIME_DIR=$work/home/runtime TMPDIR=$tmp QT_QPA_PLATFORM=xcb
@@ -62,6 +67,7 @@ export DISPLAY=:$(head -n1 "$work/display")
 # the program lies a stand-in that starts the simulated one with this run's machine and faults.
 mkdir -p "$work/bin"
 cp "$bin/kestravin" "$work/bin/kestravin"
+ln -s "$bin/translations" "$work/bin/translations"
 {
   echo '#!/bin/sh'
   printf 'exec %q --scenario migration' "$bin/Kestravin_Service"
