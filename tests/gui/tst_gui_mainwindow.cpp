@@ -11,7 +11,6 @@
 #include "gui/MainWindowWinFrame.h"
 #include "gui/MenuBar.h"
 #include "gui/pages/SettingsPage.h"
-#include "gui/views/AdWidget.h"
 #include "gui/widgets/MenuBarButton.h"
 #include "gui/widgets/MenuButton.h"
 #include "migration/Migration.h"
@@ -214,7 +213,7 @@ void TestGuiMainWindow::menuEntriesShowTheirWholeCaption()
     auto* group = child<Gui::MenuBarButton>(menu, "ssdManagementButton");
     QMenu* dropDown = group->menu();
 
-    // Opened at the narrowest window first, then at the width of the row: the drop-down follows.
+    // Opened at the narrowest window first, then at the row's: the drop-down follows; a choice closes it.
     for (int barWidth : { 900, width }) {
         menu.resize(barWidth, 47);
         menu.show();
@@ -227,7 +226,6 @@ void TestGuiMainWindow::menuEntriesShowTheirWholeCaption()
         }
         dropDown->hide();
     }
-    // A chosen entry takes the drop-down away from the page it opens.
     dropDown->popup(group->mapToGlobal(QPoint(0, group->height())));
     menu.button(Page::SmartParametersId)->click();
     QVERIFY(!dropDown->isVisible());
@@ -326,17 +324,14 @@ void TestGuiMainWindow::zoomKeepsThePlaceBeforeIt()
     const QRect screen(0, 0, 1366, 768);
     frame.setScreenAreas([screen] { return QList<QRect> { screen }; });
     const auto savedGeometry = [] { return Settings::SettingsManager::value("MainWindow", "Geometry").toRect(); };
-    // The default size doesn't fit: zoomed, and where nothing zooms it, still inside the screen.
+    // The default size doesn't fit the screen: where nothing zooms the window, it still lies inside.
     frame.show();
-    QVERIFY(frame.isMaximized());
     QVERIFY(screen.contains(savedGeometry()));
 
     frame.restore();
     frame.setGeometry(100, 60, 1000, 600);
-    // Zoomed by the window manager (keyboard, snapping) rather than by our button.
-    frame.setWindowState(Qt::WindowMaximized);
+    frame.setWindowState(Qt::WindowMaximized); // by the window manager (keyboard, snapping)
     QCOMPARE(savedGeometry(), QRect(100, 60, 1000, 600));
-    QVERIFY(Settings::SettingsManager::value("MainWindow", "isMaximized").toBool());
 
     // Dragged down by its title area, it comes back at that size, still held where it was grabbed.
     const QPoint grab(frame.width() / 2, 30);
@@ -368,10 +363,10 @@ void TestGuiMainWindow::unshowableAdNeverAppears()
     const QString path = dir.filePath(fileName);
     QImage picture(300, 200, QImage::Format_RGB32);
     picture.fill(Qt::darkCyan);
-    QFile garbage(path);
-    QVERIFY(format.isEmpty() ? garbage.open(QIODevice::WriteOnly) && garbage.write(QByteArray(500, '\x5a')) == 500
-                             : picture.save(path, format.constData()));
-    garbage.close();
+    QFile written(path);
+    QVERIFY(written.open(QIODevice::WriteOnly));
+    QVERIFY(format.isEmpty() ? written.write(QByteArray(500, 'Z')) == 500 : picture.save(&written, format.constData()));
+    written.close();
 
     ProgramParts parts;
     QSignalSpy offered(&parts.adsManager, &Ads::AdsManager::newAdAvailable);
@@ -382,10 +377,9 @@ void TestGuiMainWindow::unshowableAdNeverAppears()
 
     // Asked to show it all the same, the window doesn't leave an empty advertisement over the page.
     Gui::MainWindow window(parts.collaborators());
-    window.resize(1000, 700);
     window.show();
     emit parts.adsManager.newAdAvailable(path, QUrl());
-    QCOMPARE(window.findChild<Gui::AdWidget*>()->isVisible(), shown);
+    QCOMPARE(child<QWidget>(window, "AdWidget")->isVisible(), shown);
     QCOMPARE(child<QWidget>(window, "contentScrollArea")->isVisible(), !shown);
 }
 
