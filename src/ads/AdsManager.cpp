@@ -10,6 +10,9 @@
 #include <QCryptographicHash>
 #include <QDir>
 #include <QFile>
+#include <QFileInfo>
+#include <QImage>
+#include <QImageReader>
 #include <QStandardPaths>
 #include <QTimer>
 
@@ -24,6 +27,24 @@ const QString TresholdKey = QStringLiteral("AdvShowTreshold");
 
 // Below this the picture is shown at every start; from it on the wait doubles.
 constexpr int ShowAlwaysUpTo = 2;
+
+// The advertisement view shows still pictures of these types and GIF animations, and nothing else.
+bool isShowable(const QString& path, QString* reason)
+{
+    static const QStringList types{QStringLiteral("png"), QStringLiteral("jpg"), QStringLiteral("jpeg"),
+        QStringLiteral("gif")};
+    if (!types.contains(QFileInfo(path).completeSuffix().toLower())) {
+        *reason = QStringLiteral("unsupported type");
+        return false;
+    }
+    // A header that promises a picture is not enough: its first frame must decode.
+    QImageReader reader(path);
+    if (reader.read().isNull()) {
+        *reason = reader.errorString();
+        return false;
+    }
+    return true;
+}
 
 } // namespace
 
@@ -103,6 +124,13 @@ void AdsManager::onFileDownloaded(Download::DownloadFile* file)
     }
     Logger::info(QString(), QStringLiteral("Ad downloaded"));
     Logger::info(QString(), QStringLiteral("Opening ad: %1").arg(file->path()));
+    // A picture that cannot be shown neither appears nor counts as a showing.
+    QString reason;
+    if (!isShowable(file->path(), &reason)) {
+        Logger::warning(QString(), QStringLiteral("Advertisement %1 cannot be shown: %2").arg(file->path(), reason));
+        delete file;
+        return;
+    }
     QFile picture(file->path());
     QCryptographicHash md5(QCryptographicHash::Md5);
     if (picture.open(QIODevice::ReadOnly))

@@ -348,8 +348,9 @@ void MainWindow::onAdDisplayRequest(QString filepath, QUrl url)
     menu->hide();
     contentScrollArea->hide();
     adWidget->resize(size());
-    adWidget->showAd(filepath, url);
+    // Shown before it loads: a file it cannot show makes it ask to close at once, and that must stand.
     adWidget->show();
+    adWidget->showAd(filepath, url);
 }
 
 void MainWindow::onAdCloseRequest()

@@ -101,17 +101,22 @@ void MainWindowWinFrame::show()
         width = saved.right();
         height = saved.bottom();
     }
-    setGeometry(left, top, width + 1, height + 1);
+    QRect placed(left, top, width + 1, height + 1);
 
     bool toMaximize = Settings::SettingsManager::value(Group, MaximizedKey, false).toBool();
-    const QRect placed = geometry();
     for (const QRect& area : areas) {
         if (area.contains(placed.center())) {
             if (placed.width() > area.width() || placed.height() > area.height())
                 toMaximize = true;
+            // Without a window manager nothing zooms the window, and it would reach past the screen:
+            // it comes up inside the area at a size that fits, which is also where a restore takes it.
+            placed.setSize(placed.size().boundedTo(area.size()).expandedTo(minimumSize()));
+            placed.moveLeft(std::max(area.left(), std::min(placed.left(), area.right() + 1 - placed.width())));
+            placed.moveTop(std::max(area.top(), std::min(placed.top(), area.bottom() + 1 - placed.height())));
             break;
         }
     }
+    setGeometry(placed);
 
     QWidget::show();
     raise();
@@ -166,9 +171,36 @@ void MainWindowWinFrame::saveGeometry()
     const bool zoomed = isMaximized();
     Settings::SettingsManager::setValue(Group, MaximizedKey, zoomed);
     maximized = zoomed;
-    // A zoomed window keeps the place it will return to.
-    if (!zoomed)
-        Settings::SettingsManager::setValue(Group, GeometryKey, geometry());
+    // A zoomed window keeps the place it will return to: the last it had before the zoom.
+    const QRect normal = zoomed ? lastNormalGeometry() : geometry();
+    if (normal.isValid())
+        Settings::SettingsManager::setValue(Group, GeometryKey, normal);
+}
+
+void MainWindowWinFrame::recordNormalGeometry()
+{
+    if (windowState() & (Qt::WindowMaximized | Qt::WindowFullScreen | Qt::WindowMinimized))
+        return;
+    const QRect current = geometry();
+    if (current == normalGeometry)
+        return;
+    previousNormalGeometry = normalGeometry;
+    normalGeometry = current;
+}
+
+QRect MainWindowWinFrame::lastNormalGeometry() const
+{
+    // A window manager may give the window the whole screen before it says that it zoomed it: the
+    // place before that is the one to return to.
+    if (fillsAnArea(normalGeometry) && previousNormalGeometry.isValid())
+        return previousNormalGeometry;
+    return normalGeometry;
+}
+
+bool MainWindowWinFrame::fillsAnArea(const QRect& rect) const
+{
+    const QList<QRect> areas = screenAreas();
+    return std::any_of(areas.begin(), areas.end(), [&rect](const QRect& area) { return rect.contains(area); });
 }
 
 void MainWindowWinFrame::onMaximizeWindowRequest()
@@ -203,10 +235,25 @@ void MainWindowWinFrame::changeEvent(QEvent* event)
 {
     // The window manager may zoom or restore the window without our buttons.
     if (event->type() == QEvent::WindowStateChange && !isMinimized()) {
+        // Keyboard or snapping: the place before the zoom is kept as our own maximize keeps it.
+        if (isMaximized() && !maximized)
+            saveGeometry();
         maximized = isMaximized();
         mainWindow->setMaximizeButtonVisible(!maximized);
     }
     QWidget::changeEvent(event);
+}
+
+void MainWindowWinFrame::moveEvent(QMoveEvent* event)
+{
+    recordNormalGeometry();
+    QWidget::moveEvent(event);
+}
+
+void MainWindowWinFrame::resizeEvent(QResizeEvent* event)
+{
+    recordNormalGeometry();
+    QWidget::resizeEvent(event);
 }
 
 Qt::Edges MainWindowWinFrame::edgesAt(const QPoint& localPos) const
@@ -247,7 +294,10 @@ bool MainWindowWinFrame::eventFilter(QObject* watched, QEvent* event)
     case QEvent::MouseMove:
         if (drag == Drag::None)
             return false;
-        dragTo(mouse->globalPos());
+        if (drag != Drag::Unzoom)
+            dragTo(mouse->globalPos());
+        else if ((mouse->globalPos() - dragStart).manhattanLength() >= QApplication::startDragDistance())
+            restoreUnder(mouse->globalPos());
         return true;
     case QEvent::MouseButtonRelease:
         if (drag == Drag::None)
@@ -288,24 +338,49 @@ void MainWindowWinFrame::showResizeCursor(Qt::Edges edges)
 
 bool MainWindowWinFrame::handleMousePress(QWidget* target, QMouseEvent* event)
 {
-    if (event->button() != Qt::LeftButton || isMaximized())
+    if (event->button() != Qt::LeftButton)
         return false;
     const QPoint local = mapFromGlobal(event->globalPos());
-    const Qt::Edges edges = edgesAt(local);
     const bool onCaption = local.y() < m_titleBarHeight && mainWindow->isCaptionWidget(target);
+    if (isMaximized()) {
+        // A zoomed window has no border to resize by, but its title area pulls it back to its place.
+        if (!onCaption)
+            return false;
+        drag = Drag::Unzoom;
+        dragStart = event->globalPos();
+        return true;
+    }
+    const Qt::Edges edges = edgesAt(local);
     if (!edges && !onCaption)
         return false;
+    beginDrag(edges, event->globalPos());
+    return true;
+}
 
+void MainWindowWinFrame::beginDrag(Qt::Edges edges, const QPoint& globalPos)
+{
     QWindow* window = windowHandle();
     const bool systemDrag = window && (edges ? window->startSystemResize(edges) : window->startSystemMove());
-    if (!systemDrag) {
-        // No window manager to do it (Xvfb, some kiosks): follow the mouse ourselves.
-        drag = edges ? Drag::Resize : Drag::Move;
-        dragEdges = edges;
-        dragStart = event->globalPos();
-        dragStartGeometry = geometry();
-    }
-    return true;
+    // No window manager to do it (Xvfb, some kiosks): follow the mouse ourselves.
+    drag = systemDrag ? Drag::None : edges ? Drag::Resize : Drag::Move;
+    dragEdges = edges;
+    dragStart = globalPos;
+    dragStartGeometry = geometry();
+}
+
+void MainWindowWinFrame::restoreUnder(const QPoint& globalPos)
+{
+    // The restored window stays under the cursor where the user grabbed it: at the same height in
+    // the title area, and at the same share of its width.
+    const double share = double(dragStart.x() - x()) / std::max(1, width());
+    const int grabbedY = dragStart.y() - y();
+    QRect normal = lastNormalGeometry();
+    if (!normal.isValid())
+        normal.setSize(QSize(defaultWidth, defaultHeight));
+    restore();
+    normal.moveTopLeft(QPoint(globalPos.x() - qRound(share * normal.width()), globalPos.y() - grabbedY));
+    setGeometry(normal);
+    beginDrag(Qt::Edges(), globalPos);
 }
 
 void MainWindowWinFrame::dragTo(const QPoint& globalPos)

@@ -53,11 +53,20 @@ protected:
     void closeEvent(QCloseEvent* event) override;
     bool eventFilter(QObject* watched, QEvent* event) override;
     void changeEvent(QEvent* event) override;
+    void moveEvent(QMoveEvent* event) override;
+    void resizeEvent(QResizeEvent* event) override;
 
 private:
-    enum class Drag { None, Move, Resize };
+    // Unzoom: a press on the title area of a maximized window, which restores it once dragged.
+    enum class Drag { None, Move, Resize, Unzoom };
 
     void saveGeometry();
+    void recordNormalGeometry();
+    QRect lastNormalGeometry() const;
+    bool fillsAnArea(const QRect& rect) const;
+    // Moves or resizes (with edges) the window with the mouse from here on.
+    void beginDrag(Qt::Edges edges, const QPoint& globalPos);
+    void restoreUnder(const QPoint& globalPos);
     void showAfterHiding();
     Qt::Edges edgesAt(const QPoint& localPos) const;
     bool handleMousePress(QWidget* target, QMouseEvent* event);
@@ -72,6 +81,9 @@ private:
     bool maximized = false;
     bool shownBefore = false;
     ScreenAreas screenAreas;
+    // The last two places the window had while neither zoomed nor minimized.
+    QRect normalGeometry;
+    QRect previousNormalGeometry;
 
     Drag drag = Drag::None;
     Qt::Edges dragEdges;

@@ -4,12 +4,15 @@
 
 #include "ads/AdsManager.h"
 #include "communicationweb/TarnAuthorizationService.h"
+#include "download/DownloadFile.h"
 #include "download/DownloadManager.h"
 #include "gui/ApplicationFonts.h"
 #include "gui/MainWindow.h"
 #include "gui/MainWindowWinFrame.h"
 #include "gui/MenuBar.h"
 #include "gui/pages/SettingsPage.h"
+#include "gui/widgets/MenuBarButton.h"
+#include "gui/widgets/MenuButton.h"
 #include "migration/Migration.h"
 #include "migration/MigrationController.h"
 #include "performance/PerformanceCheck.h"
@@ -23,11 +26,15 @@
 
 #include <QAbstractButton>
 #include <QComboBox>
+#include <QFile>
 #include <QLabel>
+#include <QMenu>
 #include <QMouseEvent>
 #include <QPushButton>
 #include <QSignalSpy>
 #include <QStackedWidget>
+#include <QTemporaryDir>
+#include <QTranslator>
 
 using namespace Velmora;
 using Velmora::Gui::Page;
@@ -124,12 +131,18 @@ private slots:
 
     void menuEntriesTriggerTheirPage_data();
     void menuEntriesTriggerTheirPage();
+    void menuEntriesShowTheirWholeCaption_data();
+    void menuEntriesShowTheirWholeCaption();
 
     void driveComboLeavesOutUsbDrives_data();
     void driveComboLeavesOutUsbDrives();
 
     void dragWithoutWindowManager_data();
     void dragWithoutWindowManager();
+    void zoomKeepsThePlaceBeforeIt();
+
+    void unshowableAdNeverAppears_data();
+    void unshowableAdNeverAppears();
 
     void updateButtonLeadsToSettings();
     void migrationLocksNavigation_data();
@@ -175,6 +188,47 @@ void TestGuiMainWindow::menuEntriesTriggerTheirPage()
         if (QAbstractButton* button = menu.button(Page::PageId(other)))
             QVERIFY2(button->isChecked() == (other == id), qPrintable(button->text()));
     }
+}
+
+void TestGuiMainWindow::menuEntriesShowTheirWholeCaption_data()
+{
+    QTest::addColumn<QString>("language");
+    QTest::addColumn<int>("width");
+    QTest::newRow("English, narrowest window") << QString() << 900;
+    QTest::newRow("English, full size") << QString() << 1920;
+    QTest::newRow("Polish, narrowest window") << "pl" << 900;
+    QTest::newRow("Polish, 1366") << "pl" << 1366;
+}
+
+void TestGuiMainWindow::menuEntriesShowTheirWholeCaption()
+{
+    QFETCH(QString, language);
+    QFETCH(int, width);
+    QTranslator translator;
+    if (!language.isEmpty())
+        QVERIFY(translator.load(QStringLiteral("KESTRAVIN_") + language, QStringLiteral(KESTRAVIN_QM_DIR)));
+    QCoreApplication::installTranslator(&translator);
+    Gui::MenuBar menu;
+    QCoreApplication::removeTranslator(&translator);
+    auto* group = child<Gui::MenuBarButton>(menu, "ssdManagementButton");
+    QMenu* dropDown = group->menu();
+
+    // Opened at the narrowest window first, then at the row's: the drop-down follows; a choice closes it.
+    for (int barWidth : { 900, width }) {
+        menu.resize(barWidth, 47);
+        menu.show();
+        dropDown->popup(group->mapToGlobal(QPoint(0, group->height())));
+        for (Page::PageId id : { Page::SsdStatusId, Page::SmartParametersId, Page::PerformanceTestId }) {
+            QAbstractButton* entry = menu.button(id);
+            const int textWidth = entry->fontMetrics().horizontalAdvance(entry->text());
+            QVERIFY2(entry->width() - Gui::MenuButton::TextLeft >= textWidth, qPrintable(entry->text()));
+            QVERIFY2(dropDown->rect().contains(entry->geometry()), qPrintable(entry->text()));
+        }
+        dropDown->hide();
+    }
+    dropDown->popup(group->mapToGlobal(QPoint(0, group->height())));
+    menu.button(Page::SmartParametersId)->click();
+    QVERIFY(!dropDown->isVisible());
 }
 
 void TestGuiMainWindow::driveComboLeavesOutUsbDrives_data()
@@ -261,6 +315,72 @@ void TestGuiMainWindow::dragWithoutWindowManager()
         Qt::NoModifier);
     QApplication::sendEvent(window, &later);
     QCOMPARE(frame.geometry(), expected);
+}
+
+void TestGuiMainWindow::zoomKeepsThePlaceBeforeIt()
+{
+    System::System system;
+    Gui::MainWindowWinFrame frame(new Gui::MainWindow(collaboratorsOf(&system)));
+    const QRect screen(0, 0, 1366, 768);
+    frame.setScreenAreas([screen] { return QList<QRect> { screen }; });
+    const auto savedGeometry = [] { return Settings::SettingsManager::value("MainWindow", "Geometry").toRect(); };
+    // The default size doesn't fit the screen: where nothing zooms the window, it still lies inside.
+    frame.show();
+    QVERIFY(screen.contains(savedGeometry()));
+
+    frame.restore();
+    frame.setGeometry(100, 60, 1000, 600);
+    frame.setWindowState(Qt::WindowMaximized); // by the window manager (keyboard, snapping)
+    QCOMPARE(savedGeometry(), QRect(100, 60, 1000, 600));
+
+    // Dragged down by its title area, it comes back at that size, still held where it was grabbed.
+    const QPoint grab(frame.width() / 2, 30);
+    sendMouse(frame, QEvent::MouseButtonPress, grab, Qt::LeftButton);
+    const QPoint end = frame.mapToGlobal(grab) + QPoint(40, 200);
+    QMouseEvent move(QEvent::MouseMove, QPointF(), QPointF(), end, Qt::NoButton, Qt::LeftButton, Qt::NoModifier);
+    QApplication::sendEvent(frame.findChild<Gui::MainWindow*>(), &move);
+    QVERIFY(!frame.isMaximized());
+    QCOMPARE(frame.size(), QSize(1000, 600));
+    QCOMPARE(frame.mapFromGlobal(end), QPoint(500, 30));
+}
+
+void TestGuiMainWindow::unshowableAdNeverAppears_data()
+{
+    QTest::addColumn<QString>("fileName");
+    QTest::addColumn<QByteArray>("format");
+    QTest::addColumn<bool>("shown");
+    QTest::newRow("picture") << "ad.png" << QByteArray("PNG") << true;
+    QTest::newRow("unsupported type") << "ad.bmp" << QByteArray("BMP") << false;
+    QTest::newRow("does not decode") << "ad.png" << QByteArray() << false;
+}
+
+void TestGuiMainWindow::unshowableAdNeverAppears()
+{
+    QFETCH(QString, fileName);
+    QFETCH(QByteArray, format);
+    QFETCH(bool, shown);
+    QTemporaryDir dir;
+    const QString path = dir.filePath(fileName);
+    QImage picture(300, 200, QImage::Format_RGB32);
+    picture.fill(Qt::darkCyan);
+    QFile written(path);
+    QVERIFY(written.open(QIODevice::WriteOnly));
+    QVERIFY(format.isEmpty() ? written.write(QByteArray(500, 'Z')) == 500 : picture.save(&written, format.constData()));
+    written.close();
+
+    ProgramParts parts;
+    QSignalSpy offered(&parts.adsManager, &Ads::AdsManager::newAdAvailable);
+    auto* file = new Download::AdvertisementFile(QStringLiteral("https://127.0.0.1:9/ad"), dir.path());
+    file->setPath(path);
+    parts.adsManager.onFileDownloaded(file);
+    QCOMPARE(offered.count(), shown ? 1 : 0);
+
+    // Asked to show it all the same, the window doesn't leave an empty advertisement over the page.
+    Gui::MainWindow window(parts.collaborators());
+    window.show();
+    emit parts.adsManager.newAdAvailable(path, QUrl());
+    QCOMPARE(child<QWidget>(window, "AdWidget")->isVisible(), shown);
+    QCOMPARE(child<QWidget>(window, "contentScrollArea")->isVisible(), !shown);
 }
 
 void TestGuiMainWindow::updateButtonLeadsToSettings()

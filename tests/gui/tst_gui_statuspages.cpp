@@ -5,11 +5,14 @@
 #include "gui/ApplicationFonts.h"
 #include "gui/GuiResources.h"
 #include "gui/pages/DriveHealthInfoWidget.h"
+#include "gui/pages/SSDStatusPage.h"
 #include "system/Drive.h"
 #include "system/DriveHealthStatus.h"
+#include "system/FileCategories.h"
 #include "system/System.h"
 
 #include <QLabel>
+#include <QPushButton>
 #include <QTest>
 
 using namespace Velmora;
@@ -31,6 +34,13 @@ QString ledShown(const QLabel* led)
     return QStringLiteral("unknown");
 }
 
+// A report of the file-type scan as the system manager takes it in: the sizes first, then the state.
+void report(System::FileCategories* categories, int status)
+{
+    categories->setSizes({ { System::FileCategory::Video, status ? 4096 : 0 } });
+    categories->setStatus(status, status / 2.0);
+}
+
 } // namespace
 
 // The drive health dialog: one lamp and one description per rule, for the current drive.
@@ -46,6 +56,8 @@ private slots:
     }
     void healthDialogRows_data();
     void healthDialogRows();
+    void reloadComesBackWhenTheScanEnds_data();
+    void reloadComesBackWhenTheScanEnds();
 };
 
 void TestGuiStatusPages::healthDialogRows_data()
@@ -109,6 +121,39 @@ void TestGuiStatusPages::healthDialogRows()
         QCOMPARE(label->text(), tested ? description : QString());
         QCOMPARE(label->isVisibleTo(&dialog), tested && !description.isEmpty());
     }
+}
+
+void TestGuiStatusPages::reloadComesBackWhenTheScanEnds_data()
+{
+    using namespace System::FileCategoryStatus;
+    QTest::addColumn<int>("before");
+    QTest::addColumn<QList<int>>("answer");
+    QTest::newRow("a single finished report") << int(Complete) << QList<int> { Complete };
+    QTest::newRow("progress, then finished") << int(Complete) << QList<int> { Scanning, Scanning, Complete };
+    QTest::newRow("scan gone") << int(Complete) << QList<int> { NotScanned };
+    QTest::newRow("running scan stopped first") << int(Scanning) << QList<int> { NotScanned, Scanning, Complete };
+}
+
+void TestGuiStatusPages::reloadComesBackWhenTheScanEnds()
+{
+    QFETCH(int, before);
+    QFETCH(QList<int>, answer);
+    System::System system;
+    auto* drive = new System::Drive(1, QStringLiteral("Brantel S1"), QStringLiteral("SN1"), QString(), QStringLiteral("FW1"),
+        System::Bytes(qint64(100) << 30), 4, 4, true, QStringLiteral("SATA"));
+    system.addDrive(drive);
+    system.setCurrentDrive(1);
+    report(drive->fileCategories(), before);
+    Gui::SSDStatusPage page(&system);
+    auto* reload = page.findChild<QPushButton*>(QStringLiteral("reload_button"));
+
+    reload->click();
+    for (int i = 0; i < answer.size(); ++i) {
+        QVERIFY(!reload->isEnabled());
+        report(drive->fileCategories(), answer.at(i));
+        QCoreApplication::processEvents();
+    }
+    QVERIFY(reload->isEnabled());
 }
 
 KESTRAVIN_GUI_TEST_SUITE(TestGuiStatusPages)

@@ -15,6 +15,7 @@
 #include <QLabel>
 #include <QLocale>
 #include <QPushButton>
+#include <QTimer>
 #include <QVBoxLayout>
 
 namespace Velmora::Gui {
@@ -77,7 +78,6 @@ void SSDStatusPage::onCurrentDriveChanged()
     for (const QMetaObject::Connection& connection : qAsConst(driveConnections))
         disconnect(connection);
     driveConnections.clear();
-    shownScanStatus = -1;
     reloadPending = false;
     stoppedScanPending = false;
 
@@ -216,23 +216,34 @@ void SSDStatusPage::updateFileCategories()
 
 void SSDStatusPage::updateReloadButton(int status)
 {
-    const bool changed = status != shownScanStatus;
-    shownScanStatus = status;
-    if (status == FileCategoryStatus::Scanning)
+    if (!reloadPending) {
+        if (status != FileCategoryStatus::Scanning)
+            reload_button->setEnabled(true);
         return;
-    if (reloadPending) {
-        // Every report of the service announces the sizes before the state: the first report of
-        // the new scan arrives with the state of the old one, which must not end the reload.
-        if (!changed)
-            return;
-        // And a scan cut short by RELOAD says goodbye before the new one starts.
-        if (status == FileCategoryStatus::NotScanned && stoppedScanPending) {
-            stoppedScanPending = false;
-            return;
-        }
-        reloadPending = false;
-        stoppedScanPending = false;
     }
+    // A report of the service announces the sizes before the state, so the first report of the new
+    // scan shows the state of the old one for a moment, and a single finished report changes no state
+    // at all. Judge the report once it has been taken in whole.
+    if (!reloadCheckQueued) {
+        reloadCheckQueued = true;
+        QTimer::singleShot(0, this, &SSDStatusPage::checkReloadFinished);
+    }
+}
+
+void SSDStatusPage::checkReloadFinished()
+{
+    reloadCheckQueued = false;
+    const System::Drive* drive = system->currentDrive();
+    const int status = drive ? drive->fileCategories()->status() : FileCategoryStatus::NotScanned;
+    if (!reloadPending || status == FileCategoryStatus::Scanning)
+        return;
+    // A scan cut short by RELOAD says goodbye before the new one starts.
+    if (status == FileCategoryStatus::NotScanned && stoppedScanPending) {
+        stoppedScanPending = false;
+        return;
+    }
+    reloadPending = false;
+    stoppedScanPending = false;
     reload_button->setEnabled(true);
 }
 

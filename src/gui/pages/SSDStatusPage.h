@@ -44,6 +44,7 @@ protected slots:
 
 private slots:
     void on_reload_button_clicked();
+    void checkReloadFinished();
     void onDriveHealthInfoButtonClicked();
 
 private:
@@ -68,9 +69,9 @@ private:
     QList<QMetaObject::Connection> driveConnections;
     // RELOAD stays disabled until the scan it asked for ends; these tell the reports of that scan
     // from those of the scan before it.
-    int shownScanStatus = -1;
     bool reloadPending = false;
     bool stoppedScanPending = false;
+    bool reloadCheckQueued = false;
 
     QLabel* titleLabel = nullptr;
     QVBoxLayout* layout_driveStatus = nullptr;

@@ -2,6 +2,7 @@
 
 #include "gui/widgets/MenuButton.h"
 
+#include <QCoreApplication>
 #include <QEvent>
 #include <QMenu>
 #include <QPainter>
@@ -30,14 +31,19 @@ QSize MenuBarButton::sizeHint() const
 MenuButton* MenuBarButton::addMenuItem(const QString& text)
 {
     QMenu* dropDown = menu();
-    if (!dropDown)
+    if (!dropDown) {
         dropDown = new QMenu(this);
+        // The window may have been resized since the last opening.
+        connect(dropDown, &QMenu::aboutToShow, this, &MenuBarButton::fitMenuItems);
+    }
 
     auto* item = new MenuButton(text, dropDown);
     QFont itemFont = font();
     itemFont.setWeight(QFont::Normal);
     item->setFont(itemFont);
-    fitMenuItem(item);
+    // An entry is a widget, not an action of the menu: its click alone would leave the menu open over
+    // the page it leads to.
+    connect(item, &QAbstractButton::clicked, dropDown, &QWidget::hide);
 
     auto* action = new QWidgetAction(dropDown);
     action->setDefaultWidget(item);
@@ -46,20 +52,23 @@ MenuButton* MenuBarButton::addMenuItem(const QString& text)
     return item;
 }
 
-void MenuBarButton::fitMenuItem(MenuButton* item) const
+void MenuBarButton::fitMenuItems()
 {
-    item->setFixedWidth(std::max(width(), item->sizeHint().width()));
-}
-
-void MenuBarButton::fitMenuItems() const
-{
-    if (!menu())
-        return;
+    QList<MenuButton*> items;
+    int widest = width();
     for (QAction* action : menu()->actions()) {
         auto* widgetAction = qobject_cast<QWidgetAction*>(action);
-        if (auto* item = widgetAction ? qobject_cast<MenuButton*>(widgetAction->defaultWidget()) : nullptr)
-            fitMenuItem(item);
+        if (auto* item = widgetAction ? qobject_cast<MenuButton*>(widgetAction->defaultWidget()) : nullptr) {
+            items.append(item);
+            widest = std::max(widest, item->sizeHint().width());
+        }
     }
+    for (MenuButton* item : qAsConst(items))
+        item->setFixedWidth(widest);
+    // A menu measures its entries once and keeps those sizes until its style changes: make it measure
+    // them again.
+    QEvent styleChange(QEvent::StyleChange);
+    QCoreApplication::sendEvent(menu(), &styleChange);
 }
 
 bool MenuBarButton::event(QEvent* event)
@@ -76,12 +85,6 @@ bool MenuBarButton::event(QEvent* event)
     case QEvent::FontChange:
         m_metrics = QFontMetrics(font());
         updateGeometry();
-        break;
-    case QEvent::StyleChange:
-    case QEvent::Resize:
-        // The drop-down's entries take this width, so it may not shrink under them.
-        setMinimumWidth(width());
-        fitMenuItems();
         break;
     default:
         break;

@@ -31,12 +31,12 @@ protected:
     bool event(QEvent* event) override;
     void paintEvent(QPaintEvent* event) override;
 
-private:
-    // An entry is as wide as this button, or wider where its text needs more (a long translation):
-    // the drop-down takes the width of its widest entry.
-    void fitMenuItem(MenuButton* item) const;
-    void fitMenuItems() const;
+private slots:
+    // The entries are as wide as this button, or as the widest entry's text where that needs more
+    // (a long translation), so that none is cut and all fill the drop-down.
+    void fitMenuItems();
 
+private:
     QFontMetrics m_metrics;
     QColor m_textColor;
     bool m_hovered = false;

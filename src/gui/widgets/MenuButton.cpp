@@ -38,10 +38,6 @@ bool MenuButton::event(QEvent* event)
 
 void MenuButton::paintEvent(QPaintEvent*)
 {
-    // The drop-down is laid out after the entries are made; follow its width when shown.
-    if (parentWidget() && parentWidget()->width() != width())
-        setFixedWidth(parentWidget()->width());
-
     QPainter painter(this);
     painter.fillRect(rect(), MenuBarButton::backgroundColor());
 
