@@ -96,7 +96,11 @@ bool TarnWebHandler::onRestResponseReceived(REST::RestResponse* response)
         Logger::warning(QString(), QStringLiteral("Server authorization error"));
         // Queued with the stale session still on it; the next sending adds the new one behind it.
         m_pendingRequests.append(new REST::RestRequest(response->request()));
-        if (m_authorizationService)
+        // A stale session calls for a new handshake at once. A 401 to a request that went out
+        // without one, after a handshake had failed, waits for the retransmission timer instead:
+        // another handshake straight away would post it again and again, many times a second, for
+        // as long as the back-end refuses every call.
+        if (m_authorizationService && m_authorizationService->isAuthorized())
             m_authorizationService->authorizeAccess();
         return true;
     }

@@ -166,8 +166,12 @@ void SupportManager::postTicket()
 
 bool SupportManager::onRestResponseReceived(REST::RestResponse* response)
 {
-    // A 401: the post waits in the queue for a new session, and the watchdog keeps running.
+    // A 401: the post waits in the queue for a new session, and the watchdog keeps running. A
+    // ticket the watchdog already cancelled must not go out once the server takes sessions again:
+    // the user was told it failed and sends it anew.
     if (TarnWebHandler::onRestResponseReceived(response)) {
+        if (m_status == Idle)
+            clearRetransmissionQueue();
         delete response;
         return true;
     }
@@ -221,6 +225,7 @@ void SupportManager::onWatchdogTimeout()
     if (m_status == Idle)
         return;
     Logger::error(QString(), QStringLiteral("Unable to complete support ticket operation in time, request is cancelled"));
+    clearRetransmissionQueue();
     setStatus(TimedOut);
     dropTicket();
 }
