@@ -109,7 +109,7 @@ bool NamedPipeClient::consumeHeader()
         }
 
         m_frame.length = qFromLittleEndian<quint32>(header + 4);
-        m_frame.type = static_cast<Message::MessageType>(qFromLittleEndian<quint32>(header + 8));
+        m_frameType = qFromLittleEndian<quint32>(header + 8);
         if (Logger::isEnabled(Logger::Debug))
             Logger::debug(QString(), QStringLiteral("payload length: %1").arg(m_frame.length));
         m_readOffset += Message::HeaderSize;
@@ -122,12 +122,15 @@ bool NamedPipeClient::consumeHeader()
 void NamedPipeClient::deliverFrame()
 {
     if (Logger::isEnabled(Logger::Debug))
-        Logger::debug(QString(), QStringLiteral("Data count OK, message type: ") + Message::typeName(m_frame.type));
+        Logger::debug(QString(), QStringLiteral("Data count OK, message type: ") + Message::typeName(m_frameType));
 
     const QByteArray payload = m_buffer.mid(m_readOffset, static_cast<int>(m_frame.length));
     m_readOffset += m_frame.length;
     m_parseState = WaitingForHeader;
-    emit messageReceived(m_frame.type, payload);
+    // No handler takes a type that has no name, so such a frame ends here, as it would in the
+    // dispatcher, before the number is loaded as an enumerator it is not.
+    if (Message::isNamedType(m_frameType))
+        emit messageReceived(static_cast<Message::MessageType>(m_frameType), payload);
 }
 
 void NamedPipeClient::dropConsumedBytes()

@@ -67,6 +67,8 @@ private:
     QByteArray m_buffer;
     qsizetype m_readOffset = 0;
     Velmora::Message::Message m_frame;
+    // The type as it came: a number that names no message must not be taken for a MessageType.
+    quint32 m_frameType = 0;
     int m_parseState = WaitingForHeader;
     bool m_parsing = false;
     int m_reconnectionCount = 0;

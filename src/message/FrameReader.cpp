@@ -44,11 +44,14 @@ void FrameReader::compact()
 
 QByteArray FrameReader::encode(quint32 type, const QByteArray& payload)
 {
-    Message message;
-    message.type = static_cast<Message::MessageType>(type);
-    message.length = static_cast<quint32>(payload.size());
-    message.payload = payload;
-    return message.serialize();
+    // Written here rather than by Message, whose type field cannot hold a number that names no
+    // message: the peers send such numbers on purpose.
+    QByteArray frame(Message::HeaderSize, Qt::Uninitialized);
+    auto* header = reinterpret_cast<uchar*>(frame.data());
+    qToLittleEndian<quint32>(Message::SyncPattern, header);
+    qToLittleEndian<quint32>(static_cast<quint32>(payload.size()), header + 4);
+    qToLittleEndian<quint32>(type, header + 8);
+    return frame + payload;
 }
 
 } // namespace Velmora::Message

@@ -3,6 +3,8 @@
 #include <QDataStream>
 #include <QMetaEnum>
 
+#include <limits>
+
 namespace Velmora::Message {
 
 Message::Message(QObject* parent)
@@ -26,6 +28,11 @@ QString Message::typeName(quint32 type)
     const QMetaObject& meta = staticMetaObject;
     const QMetaEnum metaEnum = meta.enumerator(meta.indexOfEnumerator("MessageType"));
     return QString::fromLatin1(metaEnum.valueToKey(static_cast<int>(type)));
+}
+
+bool Message::isNamedType(quint32 type)
+{
+    return type <= quint32(std::numeric_limits<int>::max()) && !typeName(type).isEmpty();
 }
 
 } // namespace Velmora::Message

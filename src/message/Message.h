@@ -64,6 +64,8 @@ public:
 
     // The enumerator's name, or an empty string for a number that is no enumerator.
     static QString typeName(quint32 type);
+    // Whether a number from the wire names an enumerator: only then may it become a MessageType.
+    static bool isNamedType(quint32 type);
 };
 
 } // namespace Velmora::Message

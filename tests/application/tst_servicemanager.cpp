@@ -112,8 +112,12 @@ void TestServiceManager::init()
 
 void TestServiceManager::cleanup()
 {
+    // The manager owns the control it was made with; a test that made none leaves it to us.
+    if (!m_manager)
+        delete m_control;
     delete m_manager;
     m_manager = nullptr;
+    m_control = nullptr;
 }
 
 ServiceManager* TestServiceManager::make(ScriptedControl* control)

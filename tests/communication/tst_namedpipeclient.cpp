@@ -1,4 +1,5 @@
 #include "communication/NamedPipeClient.h"
+#include "message/FrameReader.h"
 #include "support/FakeService.h"
 #include "support/LogCapture.h"
 #include "support/TestEnvironment.h"
@@ -17,11 +18,7 @@ const QString SyncLost = QStringLiteral("Incorrect synchronization pattern detec
 
 QByteArray frame(quint32 type, const QByteArray& payload)
 {
-    Message message;
-    message.type = static_cast<Message::MessageType>(type);
-    message.length = static_cast<quint32>(payload.size());
-    message.payload = payload;
-    return message.serialize();
+    return Velmora::Message::FrameReader::encode(type, payload);
 }
 
 struct Received {
@@ -92,6 +89,9 @@ void TestNamedPipeClient::parsesReads_data()
     QTest::newRow("two and a half frames, then the rest")
         << QList<QByteArray>{version + empty + smart.left(150), smart.mid(150)}
         << QList<Received>{{1, QByteArray::fromHex("0801100114")}, {31, QByteArray()}, {20, QByteArray(300, 'x')}}
+        << 0 << 0;
+    QTest::newRow("number that names no message, then a frame")
+        << QList<QByteArray>{frame(4242, "zz") + version} << QList<Received>{{1, QByteArray::fromHex("0801100114")}}
         << 0 << 0;
     QTest::newRow("header of an empty frame alone, then another frame")
         << QList<QByteArray>{empty, version} << QList<Received>{{31, QByteArray()}, {1, QByteArray::fromHex("0801100114")}}

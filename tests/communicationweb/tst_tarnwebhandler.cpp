@@ -111,7 +111,7 @@ private slots:
 
     void fiveHandlersShareOneHandshake();
     void unauthorizedCallGoesOutAgainWithBothSessions();
-    void networkOutageKeepsTheQueueInOrder();
+    void networkOutageKeepsEveryRequestQueued();
 
 private:
     ProbeHandler* newHandler();
@@ -202,7 +202,7 @@ void TestTarnWebHandler::unauthorizedCallGoesOutAgainWithBothSessions()
     QCOMPARE(handler->pendingRequestCount(), 0);
 }
 
-void TestTarnWebHandler::networkOutageKeepsTheQueueInOrder()
+void TestTarnWebHandler::networkOutageKeepsEveryRequestQueued()
 {
     authorize();
     ProbeHandler* handler = newHandler();
@@ -213,10 +213,14 @@ void TestTarnWebHandler::networkOutageKeepsTheQueueInOrder()
     for (const QString& tag : order)
         handler->sendRequest(call(QStringLiteral("firmware"), tag));
 
-    // Several rounds go out and come back lost; between rounds the queue is whole and in order.
+    // Several rounds go out and come back lost; between rounds the queue is whole. Each request is
+    // queued again as its failure comes back, and parallel connections report refusals in no set
+    // order, so the order within a round is the network's.
     QTRY_VERIFY_WITH_TIMEOUT(log.count(QStringLiteral("All pending requests [3] will be now retransmitted")) >= 3, 5000);
     QTRY_COMPARE(handler->pendingRequestCount(), 3);
-    QCOMPARE(tagsOf(handler->pendingRequests()), order);
+    QStringList queued = tagsOf(handler->pendingRequests());
+    queued.sort();
+    QCOMPARE(queued, order);
     QVERIFY(log.count(QStringLiteral("Network communication error")) >= 9);
     QVERIFY(handler->seen.isEmpty());
     QVERIFY(m_service->isAuthorized());
