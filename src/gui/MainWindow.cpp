@@ -98,13 +98,9 @@ MainWindow::MainWindow(const Collaborators& collaborators, QWidget* parent)
     connect(system, &System::System::driveRemoved, this, &MainWindow::onDriveRemoved);
     connect(system, &System::System::currentDriveChanged, this, &MainWindow::onCurrentDriveChanged);
 
-    auto* homePage = new HomePage(system);
+    auto* homePage = new HomePage(system, contentStackedWidget);
     addPage(Page::HomeId, homePage);
     connect(homePage, &HomePage::changeCurrentDrive, this, &MainWindow::onHomeDriveSelected);
-    auto* statusPage = new SSDStatusPage(system);
-    addPage(Page::SsdStatusId, statusPage);
-    connect(statusPage, &SSDStatusPage::changePageRequest, this, &MainWindow::changePage);
-    connect(statusPage, &SSDStatusPage::changePageRequest, menu, &MenuBar::onSwitchToFirmwareUpdatetPage);
 
     connect(menu, &MenuBar::menuTriggered, this, &MainWindow::changePage);
     menu->hide();
@@ -196,6 +192,8 @@ void MainWindow::buildFooters(QVBoxLayout* footersLayout)
 QWidget* MainWindow::createPage(Page::PageId id)
 {
     switch (id) {
+    case Page::SsdStatusId:
+        return createStatusPage();
     case Page::SmartParametersId:
         return new SmartParametersPage(system);
     case Page::PerformanceTestId:
@@ -215,11 +213,18 @@ QWidget* MainWindow::createPage(Page::PageId id)
         return nullptr;
     case Page::HomeId:
     case Page::SsdManagementId:
-    case Page::SsdStatusId:
     case Page::AdditionalFeaturesId:
         break;
     }
     return nullptr;
+}
+
+Page* MainWindow::createStatusPage()
+{
+    auto* page = new SSDStatusPage(system, contentStackedWidget);
+    connect(page, &SSDStatusPage::changePageRequest, this, &MainWindow::changePage);
+    connect(page, &SSDStatusPage::changePageRequest, menu, &MenuBar::onSwitchToFirmwareUpdatetPage);
+    return page;
 }
 
 Page* MainWindow::createSettingsPage()

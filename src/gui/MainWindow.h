@@ -43,8 +43,9 @@ class MenuBar;
 class TitleBar;
 
 // The content of the program's window: title area with the window buttons, the menu, the stack
-// of pages and the footer with the drive selection. Pages other than the first two are made the
-// first time they are asked for.
+// of pages and the footer with the drive selection. Pages other than the home page are made the
+// first time they are asked for, so that the first window is up sooner. Pages are made inside the
+// stack: moving a widget with a style sheet of its own under another polishes its whole tree anew.
 class MainWindow : public QWidget
 {
     Q_OBJECT
@@ -107,6 +108,7 @@ private:
     void buildFooters(QVBoxLayout* layout);
     // Mostly a `Page`; the migration wizard is a plain widget of its own subsystem.
     QWidget* createPage(Page::PageId id);
+    Page* createStatusPage();
     Page* createSettingsPage();
     void addPage(Page::PageId id, QWidget* page);
     void showDriveSection();

@@ -15,9 +15,10 @@
 //       asks the viewable window with that title to close (WM_DELETE_WINDOW), as a title bar would.
 //   x11probe tray
 //       acts as the desktop's system tray: docks icons and prints "docked <id>" for each.
-//   x11probe grab <file.png> [--title T]
-//       saves a screenshot of the whole screen and prints "colours <n>": the distinct colours
-//       inside the window with that title, or on the whole screen.
+//   x11probe grab <file.png> [--title T] [--width W]
+//       saves a screenshot of the whole screen (scaled down to W pixels wide, for documentation)
+//       and prints "colours <n>": the distinct colours inside the window with that title, or on
+//       the whole screen, counted before any scaling.
 //
 // Exit codes: 0 done, 1 bad use, 2 timed out, 3 no display, otherwise the launched program's.
 
@@ -191,6 +192,7 @@ struct Options {
     std::string type;
     std::string state = "mapped";
     int timeoutMs = 20000;
+    int width = 0;
     std::vector<char*> command;
     std::vector<std::string> rest;
 };
@@ -204,7 +206,8 @@ bool parseOptions(int argc, char** argv, int first, Options* options)
                 options->command.push_back(argv[j]);
             break;
         }
-        if ((arg == "--title" || arg == "--type" || arg == "--state" || arg == "--timeout-ms") && i + 1 < argc) {
+        if ((arg == "--title" || arg == "--type" || arg == "--state" || arg == "--timeout-ms"
+                || arg == "--width") && i + 1 < argc) {
             const std::string value = argv[++i];
             if (arg == "--title")
                 options->title = value;
@@ -212,6 +215,8 @@ bool parseOptions(int argc, char** argv, int first, Options* options)
                 options->type = value;
             else if (arg == "--state")
                 options->state = value;
+            else if (arg == "--width")
+                options->width = std::atoi(value.c_str());
             else
                 options->timeoutMs = std::atoi(value.c_str());
         } else if (arg.rfind("--", 0) == 0) {
@@ -485,7 +490,7 @@ QVector<QRect> windowsAbove(Display* display, Window window)
 
 // Saves the whole screen; counts the colours that the window with that title shows (not those of
 // windows above it), or those of the whole screen.
-int grab(int argc, char** argv, const std::string& file, const std::string& title)
+int grab(int argc, char** argv, const std::string& file, const std::string& title, int width)
 {
     QRect area;
     QVector<QRect> covering;
@@ -510,7 +515,10 @@ int grab(int argc, char** argv, const std::string& file, const std::string& titl
     if (!screen)
         return NoDisplay;
     const QImage image = screen->grabWindow(0).toImage().convertToFormat(QImage::Format_RGB32);
-    if (image.isNull() || !image.save(QString::fromStdString(file), "PNG")) {
+    const QImage saved = width > 0 && width < image.width()
+        ? image.scaledToWidth(width, Qt::SmoothTransformation)
+        : image;
+    if (image.isNull() || !saved.save(QString::fromStdString(file), "PNG")) {
         std::fprintf(stderr, "x11probe: cannot save %s\n", file.c_str());
         return BadUse;
     }
@@ -537,7 +545,7 @@ int usage()
         "       x11probe wait (--title T | --type TYPE) --state mapped|unmapped [--timeout-ms N]\n"
         "       x11probe close --title T\n"
         "       x11probe tray\n"
-        "       x11probe grab file.png [--title T]\n");
+        "       x11probe grab file.png [--title T] [--width W]\n");
     return BadUse;
 }
 
@@ -560,6 +568,6 @@ int main(int argc, char** argv)
     if (command == "tray")
         return tray();
     if (command == "grab" && options.rest.size() == 1)
-        return grab(argc, argv, options.rest.front(), options.title);
+        return grab(argc, argv, options.rest.front(), options.title, options.width);
     return usage();
 }
