@@ -16,7 +16,6 @@ class TestSingleInstanceGuard : public QObject
 
 private slots:
     void initTestCase();
-    void cleanupTestCase();
     void staleSocketIsReplaced();
     void eachUserRunsOnce();
 
@@ -24,18 +23,11 @@ private:
     // Runtime folders of two users; short, since the wake-up socket lies in them.
     QTemporaryDir m_firstUser;
     QTemporaryDir m_secondUser;
-    QByteArray m_runtime;
 };
 
 void TestSingleInstanceGuard::initTestCase()
 {
-    m_runtime = qgetenv("XDG_RUNTIME_DIR");
     qputenv("XDG_RUNTIME_DIR", QFile::encodeName(m_firstUser.path()));
-}
-
-void TestSingleInstanceGuard::cleanupTestCase()
-{
-    qputenv("XDG_RUNTIME_DIR", m_runtime);
 }
 
 void TestSingleInstanceGuard::staleSocketIsReplaced()
