@@ -45,9 +45,9 @@ prepare_instance_lock() {
   done
 }
 
-# The lock objects whose key files lie in the folders: "shm <key>" for a segment that no process
-# holds, "sem <key>" for a semaphore.
-instance_lock_objects() {
+# Removes the objects of the key files in the folders; to be called once no program of the run
+# is left.
+release_instance_lock() {
   local dir file key
   for dir in "$@"; do
   for file in "$dir"/*SingleInstanceGuard_SharedMemory "$dir"/qipc_systemsem_*; do
@@ -55,24 +55,13 @@ instance_lock_objects() {
     key=$(ipc_key "$file")
     case $file in
       *SharedMemory)
-        ipcs -m | awk -v key="$key" '$1 == key && $6 == 0 {found = 1} END {exit !found}' && echo "shm $key" ;;
-      *) ipcs -s | awk -v key="$key" '$1 == key {found = 1} END {exit !found}' && echo "sem $key" ;;
+        if ipcs -m | awk -v key="$key" '$1 == key && $6 == 0 {found = 1} END {exit !found}'; then
+          ipcrm -M "$key" || true
+        fi ;;
+      *) ipcrm -S "$key" 2>/dev/null || true ;;
     esac
   done
   done
-  return 0
-}
-
-# Removes the objects of the key files in the folders; to be called once no program of the run
-# is left.
-release_instance_lock() {
-  local kind key
-  while read -r kind key; do
-    case $kind in
-      shm) ipcrm -M "$key" || true ;;
-      sem) ipcrm -S "$key" 2>/dev/null || true ;;
-    esac
-  done < <(instance_lock_objects "$@")
 }
 
 # Both scripts wait for what the program does by polling, never by fixed sleeps.

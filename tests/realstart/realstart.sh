@@ -241,8 +241,7 @@ first_pid=
 
 # --- Twenty starts at once by one user ----------------------------------------------------------
 prepare_instance_lock "$tmp/runtime" "$tmp" || exit 1
-storm=()
-storm_began=$(now_ms)
+storm=() storm_began=$(now_ms)
 for i in $(seq 20); do "$bin/kestravin" >"$work/storm.$i.out" 2>&1 & storm+=($!); done
 running() { local pid; for pid in "${storm[@]}"; do alive "$pid" && echo "$pid"; done; }
 one_running() { [ "$(running | wc -l)" -eq 1 ]; }
@@ -271,12 +270,10 @@ lock_keys=$(for file in $(instance_lock_files "$XDG_RUNTIME_DIR" "$tmp"); do [ -
 # latter alone. TMPDIR stays shared, as /tmp and the service are on a real machine.
 user2=$work/home2
 mkdir -p "$user2"/{config,data,cache} "$tmp/runtime2" && chmod 700 "$tmp/runtime2"
-prepare_instance_lock "$tmp/runtime2" "$tmp" || exit 1
-HOME=$user2 XDG_CONFIG_HOME=$user2/config XDG_DATA_HOME=$user2/data XDG_CACHE_HOME=$user2/cache \
+prepare_instance_lock "$tmp/runtime2" "$tmp" && HOME=$user2 XDG_CONFIG_HOME=$user2/config XDG_DATA_HOME=$user2/data XDG_CACHE_HOME=$user2/cache \
   XDG_RUNTIME_DIR=$tmp/runtime2 "$probe" launch --title "$title" --timeout-ms 30000 -- "$bin/kestravin" \
   >"$work/user2.out" 2>"$work/user2.err" &
-poll 30000 grep -qE '^(mapped_ms|timeout|exit) ' "$work/user2.out"
-user2_pid=$(awk '$1 == "pid" {print $2}' "$work/user2.out")
+poll 30000 grep -qE '^(mapped_ms|timeout|exit) ' "$work/user2.out" && user2_pid=$(awk '$1 == "pid" {print $2}' "$work/user2.out")
 if grep -q '^mapped_ms ' "$work/user2.out" && alive "$user2_pid" && alive "$winner"; then
   ok "a second user's start got a window of its own (pid $user2_pid) beside the first user's"
 else
@@ -299,8 +296,7 @@ fi
 poll 10000 none_left \
   && ok "no program or service process of this test remains" \
   || fail "processes remain: $(our_processes kestravin) $(our_processes Kestravin_Service)"
-left=$(for key in $lock_keys; do ipc_key_in_use "$key" && echo "$key"; done; instance_lock_objects "$tmp" "$tmp"/runtime*;
-  ls "$tmp"/runtime*/* 2>/dev/null)
+left=$(for key in $lock_keys; do ipc_key_in_use "$key" && echo "$key"; done; ls "$tmp"/qipc_* "$tmp"/runtime*/* 2>/dev/null)
 [ -z "$left" ] && ok "no lock object is left behind (System V keys $(echo $lock_keys), sockets)" \
   || fail "left behind: $(echo $left)"
 
