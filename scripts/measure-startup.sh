@@ -83,7 +83,7 @@ cleanup() {
     kill -TERM "$pid" 2>/dev/null || true
   done
   wait 2>/dev/null || true
-  release_instance_lock "$tmp_root"/*
+  release_instance_lock "$tmp_root"/* "$out"/*/runtime
   rm -rf "$tmp_root"
 }
 trap cleanup EXIT
@@ -153,8 +153,8 @@ start_run() {
   shift 2
   local home=$out/$tag
   mkdir -p "$home"/{config,data,cache,runtime} "$tmp_root/$tag"
-  prepare_instance_lock "$tmp_root/$tag"
   chmod 700 "$home/runtime"
+  prepare_instance_lock "$home/runtime" "$tmp_root/$tag"
   run_out=$out/$tag.out
   local watch=()
   [ -n "$title" ] && watch=(--title "$title" --timeout-ms 60000)
@@ -249,7 +249,7 @@ for round in $(seq 1 "$rounds"); do
       if kill -0 "$p" 2>/dev/null; then kill -KILL "$p" || true; fi
     done
   done
-  release_instance_lock "$tmp_root"/r$round-*
+  release_instance_lock "$tmp_root"/r$round-* "$out"/r$round-*/runtime
   unset pid window drives_at service begin before
 done
 

@@ -112,7 +112,16 @@ void ServiceManager::startService()
     Logger::warning(QString(), QStringLiteral("Starting service."));
     Logger::debug(QString(), QCoreApplication::applicationDirPath());
     Logger::debug(QString(), m_control->startCommand());
-    const Platform::ServiceControl::CommandResult result = m_control->start(m_processTimeout);
+    m_control->start(m_startTimeout,
+        [this](const Platform::ServiceControl::CommandResult& result) { onStartFinished(result); });
+}
+
+void ServiceManager::onStartFinished(const Platform::ServiceControl::CommandResult& result)
+{
+    // The pipe client may have reached the service before the start reported back: an answer
+    // already says more than the start's own outcome.
+    if (m_status == Responding || m_status == Failed)
+        return;
     if (result.succeeded()) {
         changeStatus(Starting);
         return;

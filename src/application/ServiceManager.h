@@ -39,6 +39,7 @@ public:
 
     // Seams for tests: shorter intervals, and the critical box replaced by a recorder.
     void setIntervals(int pollMs, int processTimeoutMs, int responseTimeoutMs);
+    void setStartTimeout(int msec) { m_startTimeout = msec; }
     using CriticalMessage = std::function<void(const QString& title, const QString& text)>;
     void setCriticalMessage(CriticalMessage show) { m_showCritical = std::move(show); }
     using Exit = std::function<void(int code)>;
@@ -61,6 +62,7 @@ protected slots:
 private:
     void startService();
     void installService();
+    void onStartFinished(const Platform::ServiceControl::CommandResult& result);
     void failOnVersion(const QString& text);
 
     QString m_serviceName;
@@ -68,6 +70,8 @@ private:
     int m_pollInterval = 200;
     int m_processTimeout = 2000;
     int m_responseTimeout = 15000;
+    // How long a service started here may take to be ready; the start does not block meanwhile.
+    int m_startTimeout = 30000;
     QTimer* m_pollTimer;
     QTimer* m_responseTimer;
     ServiceStatus m_status = Unknown;

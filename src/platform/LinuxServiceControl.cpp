@@ -1,17 +1,16 @@
 #include "platform/LinuxServiceControl.h"
 
+#include "platform/ServerListenWatch.h"
+
 #include <QCoreApplication>
-#include <QElapsedTimer>
 #include <QFileInfo>
 #include <QLocalSocket>
 #include <QProcess>
-#include <QThread>
 
 namespace Velmora::Platform {
 
 namespace {
 constexpr int ProbeTimeoutMs = 100;
-constexpr int ListenPollMs = 20;
 constexpr int NotFoundExitCode = 1;
 } // namespace
 
@@ -25,6 +24,11 @@ LinuxServiceControl::LinuxServiceControl(const QString& executablePath, const QS
     : m_executablePath(executablePath)
     , m_serverName(serverName)
 {
+}
+
+LinuxServiceControl::~LinuxServiceControl()
+{
+    delete m_watch;
 }
 
 bool LinuxServiceControl::isListening() const
@@ -67,30 +71,29 @@ ServiceControl::CommandResult LinuxServiceControl::install(int timeoutMs)
     return result;
 }
 
-ServiceControl::CommandResult LinuxServiceControl::start(int timeoutMs)
+void LinuxServiceControl::start(int timeoutMs, Finished finished)
 {
     CommandResult result;
     result.normalExit = true;
-    qint64 pid = 0;
+    result.exitCode = NotFoundExitCode;
     // Quiet: the service keeps its own log file and leaves our console to us.
     const QStringList arguments = {QStringLiteral("--name"), m_serverName, QStringLiteral("--quiet")};
-    if (!QProcess::startDetached(m_executablePath, arguments, QString(), &pid)) {
-        result.exitCode = NotFoundExitCode;
+    if (!QProcess::startDetached(m_executablePath, arguments)) {
         result.output = "Could not start " + m_executablePath.toLocal8Bit();
-        return result;
+        finished(result);
+        return;
     }
-    QElapsedTimer waited;
-    waited.start();
-    while (!isListening()) {
-        if (waited.elapsed() >= timeoutMs) {
-            result.exitCode = NotFoundExitCode;
+    delete m_watch;
+    auto* watch = new ServerListenWatch(m_serverName, timeoutMs);
+    m_watch = watch;
+    QObject::connect(watch, &ServerListenWatch::finished, watch, [watch, result, finished](bool listening) mutable {
+        watch->deleteLater();
+        if (listening)
+            result.exitCode = 0;
+        else
             result.output = "The service did not listen within the time limit";
-            return result;
-        }
-        QThread::msleep(ListenPollMs);
-    }
-    result.exitCode = 0;
-    return result;
+        finished(result);
+    });
 }
 
 } // namespace Velmora::Platform

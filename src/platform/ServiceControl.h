@@ -3,6 +3,7 @@
 #include <QByteArray>
 #include <QString>
 
+#include <functional>
 #include <memory>
 
 namespace Velmora::Platform {
@@ -29,7 +30,10 @@ public:
     virtual QString installCommand() const = 0;
     virtual QString startCommand() const = 0;
     virtual CommandResult install(int timeoutMs) = 0;
-    virtual CommandResult start(int timeoutMs) = 0;
+    // Starts the service without waiting for it: `finished` learns the outcome once the service
+    // is ready or has failed, within `timeoutMs`, on the calling thread's event loop.
+    using Finished = std::function<void(const CommandResult& result)>;
+    virtual void start(int timeoutMs, Finished finished) = 0;
 };
 
 // The control of this platform for the service executable `fileName` beside the program, reached

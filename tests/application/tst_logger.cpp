@@ -9,6 +9,9 @@
 #include <QStandardPaths>
 #include <QTest>
 
+#include <thread>
+#include <vector>
+
 namespace Logger = Velmora::Logger;
 
 namespace {
@@ -65,6 +68,7 @@ private slots:
     void writesBothLineForms();
     void rotatesOnlyAboveTheLimit();
     void keepsAtMostFiveFiles();
+    void stormFromThreadsAcrossRotations();
 };
 
 void TestLogger::initTestCase()
@@ -157,6 +161,44 @@ void TestLogger::keepsAtMostFiveFiles()
     QVERIFY(files.contains(QStringLiteral("Velmora_old3.log")));
     QVERIFY(!files.contains(QStringLiteral("Velmora_old4.log")));
     QVERIFY(QFile::exists(Logger::logDirectory() + QStringLiteral("notes.txt")));
+}
+
+void TestLogger::stormFromThreadsAcrossRotations()
+{
+    // Four threads, enough lines for about seven rotations: each line whole and in its own order.
+    constexpr int Threads = 4;
+    constexpr int LinesEach = 15000;
+    std::vector<std::thread> writers;
+    for (int t = 0; t < Threads; ++t) {
+        writers.emplace_back([t] {
+            const QString body(200, QLatin1Char(char('a' + t)));
+            for (int n = 0; n < LinesEach; ++n)
+                Logger::debug(QString(), QStringLiteral("t%1 n%2 %3 end").arg(t).arg(n).arg(body));
+        });
+    }
+    for (std::thread& writer : writers)
+        writer.join();
+
+    const QStringList files = logFiles();
+    QCOMPARE(files.size(), 5);
+    const QRegularExpression whole(QStringLiteral("^\\d{4}/\\d{2}/\\d{2} \\d{2}:\\d{2}:\\d{2}:\\d{3} DEBUG      : "
+                                                  "t(\\d) n(\\d+) ([a-d])\\3{199} end$"));
+    for (const QString& name : files) {
+        QFile file(Logger::logDirectory() + name);
+        QVERIFY(file.open(QIODevice::ReadOnly));
+        QVERIFY(name == QLatin1String("Velmora.log") || file.size() > 2000000);
+        int last[Threads] = {-1, -1, -1, -1};
+        const QList<QByteArray> content = file.readAll().split('\n');
+        QCOMPARE(content.last(), QByteArray());
+        for (int i = 0; i < content.size() - 1; ++i) {
+            const QRegularExpressionMatch match = whole.match(QString::fromUtf8(content.at(i)));
+            QVERIFY2(match.hasMatch(), qPrintable(name + QLatin1Char(':') + content.at(i).left(80)));
+            const int t = match.captured(1).toInt();
+            QCOMPARE(match.captured(3), QString(QLatin1Char(char('a' + t))));
+            QVERIFY(match.captured(2).toInt() > last[t]);
+            last[t] = match.captured(2).toInt();
+        }
+    }
 }
 
 KESTRAVIN_TEST_SUITE(TestLogger)

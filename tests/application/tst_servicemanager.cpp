@@ -6,11 +6,14 @@
 #include "Version.pb.h"
 
 #include <QCoreApplication>
+#include <QElapsedTimer>
 #include <QFileInfo>
-#include <QLocalSocket>
-#include <QProcess>
 #include <QSignalSpy>
+#include <QTemporaryDir>
 #include <QTest>
+#include <QTimer>
+
+#include <csignal>
 
 using Velmora::Application::ServiceManager;
 using Velmora::Message::Message;
@@ -39,10 +42,10 @@ public:
         calls << QStringLiteral("install");
         return installResult;
     }
-    CommandResult start(int) override
+    void start(int, Finished finished) override
     {
         calls << QStringLiteral("start");
-        return startResult;
+        finished(startResult);
     }
 };
 
@@ -86,10 +89,11 @@ private slots:
     void bringsTheServiceUp();
     void checksTheVersion_data();
     void checksTheVersion();
+    void startsTheRealServiceBesideTheProgram_data();
     void startsTheRealServiceBesideTheProgram();
 
 private:
-    ServiceManager* make(ScriptedControl* control);
+    ServiceManager* make(ServiceControl* control);
 
     ScriptedControl* m_control = nullptr;
     ServiceManager* m_manager = nullptr;
@@ -120,7 +124,7 @@ void TestServiceManager::cleanup()
     m_control = nullptr;
 }
 
-ServiceManager* TestServiceManager::make(ScriptedControl* control)
+ServiceManager* TestServiceManager::make(ServiceControl* control)
 {
     m_manager = new ServiceManager(nullptr, std::unique_ptr<ServiceControl>(control), QStringLiteral("unused"));
     m_manager->setIntervals(10, 100, 200);
@@ -216,23 +220,66 @@ void TestServiceManager::checksTheVersion()
     QCOMPARE(m_boxes.size(), exits.size());
 }
 
+void TestServiceManager::startsTheRealServiceBesideTheProgram_data()
+{
+    // What stands beside the program as the service: the simulated one, started by a script.
+    QTest::addColumn<QString>("script");
+    QTest::addColumn<int>("startTimeout");  // 0: the program's own
+    QTest::addColumn<int>("status");
+    QTest::addColumn<QList<int>>("exits");
+
+    QTest::newRow("ready at once") << "exec \"$SERVICE\" \"$@\"" << 0 << int(ServiceManager::Starting) << QList<int>{};
+    // A loaded machine: more than the two seconds that the service control allows a command.
+    QTest::newRow("ready after 2.5 s") << "sleep 2.5; exec \"$SERVICE\" \"$@\"" << 0
+                                       << int(ServiceManager::Starting) << QList<int>{};
+    QTest::newRow("never listening") << "exit 0" << 300 << int(ServiceManager::Failed) << QList<int>{1};
+}
+
 void TestServiceManager::startsTheRealServiceBesideTheProgram()
 {
-    const QString executable = QCoreApplication::applicationDirPath() + QStringLiteral("/Kestravin_Service");
-    if (!QFileInfo(executable).isExecutable())
+    QFETCH(QString, script);
+    QFETCH(int, startTimeout);
+    QFETCH(int, status);
+    QFETCH(QList<int>, exits);
+    const QString service = QCoreApplication::applicationDirPath() + QStringLiteral("/Kestravin_Service");
+    if (!QFileInfo(service).isExecutable())
         QSKIP("the simulated service is not part of this build");
+    delete m_control;  // the scripted stand-in is not needed here
+    QTemporaryDir dir;
+    QFile launcher(dir.filePath(QStringLiteral("Kestravin_Service")));
+    QVERIFY(launcher.open(QIODevice::WriteOnly));
+    launcher.write(QStringLiteral("#!/bin/sh\nSERVICE='%1'\necho $$ >\"$0.pid\"\n%2\n").arg(service, script).toUtf8());
+    launcher.close();
+    launcher.setPermissions(launcher.permissions() | QFile::ExeOwner);
+
     const QString name = TestEnvironment::uniqueName(QStringLiteral("service"));
-    Velmora::Platform::LinuxServiceControl control(executable, name);
-    QCOMPARE(control.query(), ServiceControl::State::Stopped);
-    const ServiceControl::CommandResult result = control.start(5000);
-    QVERIFY2(result.succeeded(), result.output.constData());
-    QCOMPARE(control.query(), ServiceControl::State::Running);
+    auto* control = new Velmora::Platform::LinuxServiceControl(launcher.fileName(), name);
+    QCOMPARE(control->query(), ServiceControl::State::Stopped);
+    LogCapture log;
+    make(control)->setIntervals(10, 2000, 60000);
+    if (startTimeout)
+        m_manager->setStartTimeout(startTimeout);
+    // The start must leave the event loop running: the window stays alive meanwhile.
+    QElapsedTimer sinceTick;
+    qint64 longestGap = 0;
+    QTimer ticker;
+    connect(&ticker, &QTimer::timeout, [&] { longestGap = qMax(longestGap, sinceTick.restart()); });
+    sinceTick.start();
+    ticker.start(20);
+    QTRY_COMPARE_WITH_TIMEOUT(int(m_manager->status()), status, 15000);
+    QVERIFY2(longestGap < 500, qPrintable(QString::number(longestGap)));
+    QCOMPARE(m_exits, exits);
+    QCOMPARE(control->query(), exits.isEmpty() ? ServiceControl::State::Running : ServiceControl::State::Stopped);
+    if (!exits.isEmpty())
+        QCOMPARE(log.count(QStringLiteral("Process failed with 1 The service did not listen within the time limit.")), 1);
 
     // Stop it again: it would outlive the test otherwise.
-    QProcess::execute(QStringLiteral("pkill"), {QStringLiteral("-f"), QStringLiteral("Kestravin_Service --name %1").arg(name)});
-    QTRY_COMPARE(control.query(), ServiceControl::State::Stopped);
-
-    Velmora::Platform::LinuxServiceControl missing(executable + QStringLiteral(".absent"), name);
+    QFile pidFile(launcher.fileName() + QStringLiteral(".pid"));
+    if (pidFile.open(QIODevice::ReadOnly) && exits.isEmpty()) {
+        ::kill(pidFile.readAll().trimmed().toInt(), SIGTERM);
+        QTRY_COMPARE(control->query(), ServiceControl::State::Stopped);
+    }
+    Velmora::Platform::LinuxServiceControl missing(service + QStringLiteral(".absent"), name);
     QCOMPARE(missing.query(), ServiceControl::State::NotInstalled);
     QCOMPARE(missing.install(100).exitCode, 1);
 }

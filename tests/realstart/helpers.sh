@@ -1,25 +1,21 @@
 # Sourced by realstart.sh and scripts/measure-startup.sh: the program's single-instance lock
 # objects, and waiting by polling.
 #
-# The program's single-instance lock is a System V shared memory segment and two semaphores. Their
-# keys come from files in TMPDIR (ftok(file, 'Q'): the low 16 bits of the inode, the low 8 bits of
-# the device). A segment outlives a program that did not end normally; it is removed at the next
-# start only while its key file is still there. A new key file that happens to get an inode with
-# the same low bits as such an orphan makes a start take it for a running instance and end at once.
-# Runs in a fresh TMPDIR are exposed to exactly that, so these helpers give them key files whose
-# keys are free, and remove the objects of those files when the run is over.
+# The program's single-instance lock is a System V shared memory segment and a semaphore, keyed by
+# files (ftok(file, 'Q'): the low 16 bits of the inode, the low 8 bits of the device): the
+# segment's file lies in the user's runtime folder, the semaphore's in TMPDIR under a name made
+# from the runtime folder. A segment outlives a program that did not end normally; it is removed at
+# the next start only while its key file is still there. A new key file that happens to get an
+# inode with the same low bits as such an orphan makes a start take it for a running instance and
+# end at once. Runs in fresh folders are exposed to exactly that, so these helpers give them key
+# files whose keys are free, and remove the objects of those files when the run is over.
 
-instance_lock_names() {
-  local key
-  for key in BRANTELKESTRAVINSingleInstanceGuard_SharedMemory BRANTELKESTRAVINSingleInstanceGuard_Semaphore; do
-    local letters hash
-    letters=$(tr -cd 'A-Za-z' <<<"$key")
-    hash=$(printf %s "$key" | sha1sum | cut -c1-40)
-    case $key in
-      *SharedMemory) echo "qipc_sharedmemory_$letters$hash" "qipc_systemsem_$letters$hash" ;;
-      *) echo "qipc_systemsem_$letters$hash" ;;
-    esac
-  done
+# The two key files of a user with runtime folder $1 and TMPDIR $2 (Qt's names: the letters of
+# the key and its SHA-1).
+instance_lock_files() {
+  local key=$1/BRANTELKESTRAVINSingleInstanceGuard_Semaphore
+  echo "$1/BRANTELKESTRAVINSingleInstanceGuard_SharedMemory"
+  echo "$2/qipc_systemsem_$(tr -cd 'A-Za-z' <<<"$key")$(printf %s "$key" | sha1sum | cut -c1-40)"
 }
 
 ipc_key() {
@@ -32,50 +28,40 @@ ipc_key_in_use() {
   { ipcs -m; ipcs -s; } | awk -v key="$1" '$1 == key {found = 1} END {exit !found}'
 }
 
-# Creates the key files in the directory, each with a key that no System V object has.
+# Creates the key files for runtime folder $1 and TMPDIR $2, each with a key that no System V
+# object has.
 prepare_instance_lock() {
-  local dir=$1 name tries
-  for name in $(instance_lock_names); do
+  local file tries
+  for file in $(instance_lock_files "$1" "$2"); do
     tries=0
-    until [ -e "$dir/$name" ] && ! ipc_key_in_use "$(ipc_key "$dir/$name")"; do
+    until [ -e "$file" ] && ! ipc_key_in_use "$(ipc_key "$file")"; do
       # The taken file stays until the end, so that the next one gets another inode.
-      [ -e "$dir/$name" ] && mv "$dir/$name" "$dir/taken.$tries.$name"
-      : >"$dir/$name"
+      [ -e "$file" ] && mv "$file" "$file.taken.$tries"
+      : >"$file"
       tries=$((tries + 1))
-      [ "$tries" -lt 200 ] || { echo "no free System V key for $dir/$name" >&2; return 1; }
+      [ "$tries" -lt 200 ] || { echo "no free System V key for $file" >&2; return 1; }
     done
+    rm -f "$file".taken.*
   done
-  rm -f "$dir"/taken.*
 }
 
-# Removes the objects of the key files in the directories; to be called once no program of the
-# run is left.
+# Removes the objects of the key files in the folders; to be called once no program of the run
+# is left.
 release_instance_lock() {
   local dir file key
   for dir in "$@"; do
-  for file in "$dir"/qipc_*; do
+  for file in "$dir"/*SingleInstanceGuard_SharedMemory "$dir"/qipc_systemsem_*; do
     [ -e "$file" ] || continue
     key=$(ipc_key "$file")
     case $file in
-      */qipc_sharedmemory_*)
+      *SharedMemory)
         if ipcs -m | awk -v key="$key" '$1 == key && $6 == 0 {found = 1} END {exit !found}'; then
           ipcrm -M "$key" || true
         fi ;;
-      */qipc_systemsem_*) ipcrm -S "$key" 2>/dev/null || true ;;
+      *) ipcrm -S "$key" 2>/dev/null || true ;;
     esac
   done
   done
-}
-
-# The keys of shared memory segments of the directory's key files that no process holds.
-orphaned_instance_lock() {
-  local file key
-  for file in "$1"/qipc_sharedmemory_*; do
-    [ -e "$file" ] || continue
-    key=$(ipc_key "$file")
-    ipcs -m | awk -v key="$key" '$1 == key && $6 == 0 {found = 1} END {exit !found}' && echo "$key"
-  done
-  return 0
 }
 
 # Both scripts wait for what the program does by polling, never by fixed sleeps.

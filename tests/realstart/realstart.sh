@@ -2,7 +2,8 @@
 # The program started for real, the way a user starts it: on a virtual X server with a system
 # tray, in a home of its own. It must start the service beside it, show its window, get the drive
 # list, keep a single instance (a second start ends at once and brings the first one's window
-# back), and end through the tray menu's Quit.
+# back), and end through the tray menu's Quit. Then twenty starts at once: one runs, the others end
+# with 0; a second user gets a program of their own; and no lock object outlives them all.
 #
 #   realstart.sh <bin dir> <work dir> <temporary dir>
 #
@@ -48,14 +49,15 @@ our_processes() {
 for pid in $(our_processes kestravin) $(our_processes Kestravin_Service); do
   kill -KILL "$pid" 2>/dev/null
 done
-release_instance_lock "$tmp"
+release_instance_lock "$tmp" "$tmp"/runtime*
 rm -rf "$work" "$tmp"
-mkdir -p "$work"/home/{config,data,cache,runtime} "$tmp"
-prepare_instance_lock "$tmp" || exit 1
-chmod 700 "$work/home/runtime"
+# The runtime folders hold sockets: they lie in the short temporary folder.
+mkdir -p "$work"/home/{config,data,cache} "$tmp"/runtime
+chmod 700 "$tmp/runtime"
+prepare_instance_lock "$tmp/runtime" "$tmp" || exit 1
 export HOME=$work/home
 export XDG_CONFIG_HOME=$HOME/config XDG_DATA_HOME=$HOME/data XDG_CACHE_HOME=$HOME/cache
-export XDG_RUNTIME_DIR=$HOME/runtime TMPDIR=$tmp
+export XDG_RUNTIME_DIR=$tmp/runtime TMPDIR=$tmp
 export QT_QPA_PLATFORM=xcb
 # No desktop bus: the tray icon goes to the X system tray below, as on a desktop without one.
 unset WAYLAND_DISPLAY DBUS_SESSION_BUS_ADDRESS
@@ -75,7 +77,7 @@ cleanup() {
     wait "$xvfb_pid" 2>/dev/null
   fi
   poll 5000 none_left
-  release_instance_lock "$tmp"
+  release_instance_lock "$tmp" "$tmp"/runtime*
   rm -rf "$tmp"
 }
 trap cleanup EXIT
@@ -135,6 +137,9 @@ if [ -n "$window" ]; then
 else
   fail "no window \"$title\" within 30 s ($(tr '\n' ' ' <"$work/first.out" | grep -oE '(timeout|exit [0-9]+)'))"
 fi
+
+grep -qF 'Starting application: 1.1.4 [1.1.4-]' "$log" && ok "the start-up line names the version" \
+  || fail "no \"Starting application: 1.1.4 [1.1.4-]\" in the log: $(grep -m1 'Starting application' "$log")"
 
 # The drive list travels from the service to the program's system model.
 if poll 15000 grep -q 'Add drive: ' "$log"; then
@@ -196,32 +201,90 @@ services=$(our_processes Kestravin_Service | wc -l)
 [ "$services" -eq 1 ] && ok "still one service process" || fail "$services service processes after the second start"
 
 # --- Quit through the tray menu ---------------------------------------------------------------
-icon=$(awk '$1 == "docked" {print $2; exit}' "$work/tray.out")
-ended() { grep -q '^exit ' "$work/first.out"; }
 menu_open() { "$probe" wait --type POPUP_MENU --state mapped --timeout-ms "$1" >/dev/null; }
-quit_asked=0
-if [ -n "$icon" ]; then
+# Chooses Quit in the menu of the tray icon $1 and waits for the program $2 to end.
+quit_through_tray() {
+  local attempt
+  [ -n "$1" ] || return 1
   # The menu takes the keyboard just after it appears: keys that came too early are sent again.
   for attempt in 1 2 3; do
     if ! menu_open 0; then
-      xdotool mousemove --window "$icon" 12 12 click 3 2>>"$work/xdotool.err"
+      xdotool mousemove --window "$1" 12 12 click 3 2>>"$work/xdotool.err"
       menu_open 5000 || continue
     fi
     # Quit is the menu's last entry.
     xdotool key Up Return 2>>"$work/xdotool.err"
-    quit_asked=1
-    poll 5000 ended && break
+    poll 5000 gone "$2" && return 0
   done
-fi
-if [ "$quit_asked" -eq 1 ] && poll 15000 ended; then
+  poll 15000 gone "$2"
+}
+# The tray icon of the program $1 (later starts dock theirs too, for the moment they live).
+icon_of() {
+  local id
+  for id in $(awk '$1 == "docked" {print $2}' "$work/tray.out"); do
+    [ "$(xprop -id "$id" _NET_WM_PID 2>/dev/null | awk '{print $3}')" = "$1" ] && echo "$id" && return 0
+  done
+  return 1
+}
+poll 10000 icon_of "$first_pid" >/dev/null
+if quit_through_tray "$(icon_of "$first_pid")" "$first_pid" && poll 5000 grep -q '^exit ' "$work/first.out"; then
   code=$(awk '$1 == "exit" {print $2}' "$work/first.out")
   [ "$code" -eq 0 ] && ok "Quit in the tray menu ended the program with 0" || fail "Quit ended the program with $code"
   grep -q 'Closing application' "$log" && ok "the program logged \"Closing application\"" \
     || fail "no \"Closing application\" in the log"
   first_pid=
 else
-  fail "the tray menu's Quit did not end the program (menu shown: $quit_asked); stopping it with SIGKILL"
+  fail "the tray menu's Quit did not end the program; stopping it with SIGKILL"
 fi
+[ -n "$first_pid" ] && kill -KILL "$first_pid" 2>/dev/null
+first_pid=
+
+# --- Twenty starts at once by one user ----------------------------------------------------------
+prepare_instance_lock "$tmp/runtime" "$tmp" || exit 1
+storm=() storm_began=$(now_ms)
+for i in $(seq 20); do "$bin/kestravin" >"$work/storm.$i.out" 2>&1 & storm+=($!); done
+running() { local pid; for pid in "${storm[@]}"; do alive "$pid" && echo "$pid"; done; }
+one_running() { [ "$(running | wc -l)" -eq 1 ]; }
+if poll 60000 one_running; then
+  winner=$(running)
+  ok "of twenty starts at once, one runs (pid $winner) after $(($(now_ms) - storm_began)) ms"
+else
+  fail "$(running | wc -l) of twenty starts at once still run after 60 s"
+  winner=$(running | head -n1)
+fi
+codes=()
+for pid in "${storm[@]}"; do [ "$pid" = "$winner" ] || { wait "$pid"; codes+=($?); }; done
+codes=$(printf '%s\n' "${codes[@]}" | sort | uniq -c | xargs)
+[ "$codes" = "19 0" ] && ok "the other nineteen ended with 0" || fail "exit codes of the others (count code): $codes"
+if shown=$("$probe" wait --title "$title" --state mapped --timeout-ms 30000); then
+  owner=$(xprop -id "$(awk '{print $2}' <<<"$shown")" _NET_WM_PID 2>/dev/null | awk '{print $3}')
+  [ "$owner" = "$winner" ] && ok "the running one shows its window" || fail "the window shown belongs to pid $owner"
+else
+  fail "no window after twenty starts at once"
+fi
+# Their keys are taken now, while the files are there; they must be free again at the end.
+lock_keys=$(for file in $(instance_lock_files "$XDG_RUNTIME_DIR" "$tmp"); do [ -e "$file" ] && ipc_key "$file" && echo; done)
+
+# --- A second user ----------------------------------------------------------------------------
+# Users differ to the program by their home and runtime folder; the lock's names come from the
+# latter alone. TMPDIR stays shared, as /tmp and the service are on a real machine.
+user2=$work/home2
+mkdir -p "$user2"/{config,data,cache} "$tmp/runtime2" && chmod 700 "$tmp/runtime2"
+prepare_instance_lock "$tmp/runtime2" "$tmp" && HOME=$user2 XDG_CONFIG_HOME=$user2/config XDG_DATA_HOME=$user2/data XDG_CACHE_HOME=$user2/cache \
+  XDG_RUNTIME_DIR=$tmp/runtime2 "$probe" launch --title "$title" --timeout-ms 30000 -- "$bin/kestravin" \
+  >"$work/user2.out" 2>"$work/user2.err" &
+poll 30000 grep -qE '^(mapped_ms|timeout|exit) ' "$work/user2.out" && user2_pid=$(awk '$1 == "pid" {print $2}' "$work/user2.out")
+if grep -q '^mapped_ms ' "$work/user2.out" && alive "$user2_pid" && alive "$winner"; then
+  ok "a second user's start got a window of its own (pid $user2_pid) beside the first user's"
+else
+  fail "a second user's start: $(grep -aoE 'Other instance detected|^(timeout|exit .*)$' "$work/user2.out" | xargs)"
+fi
+# The tray's slots wrap: an icon docked later covers an earlier one, so the later goes first.
+for pid in "$user2_pid" "$winner"; do
+  poll 10000 icon_of "$pid" >/dev/null
+  quit_through_tray "$(icon_of "$pid")" "$pid" || { fail "Quit did not end pid $pid"; kill -KILL "$pid" 2>/dev/null; }
+done
+wait "$winner" && ok "the running one ended with 0 through Quit" || fail "the running one did not end with 0"
 
 # The service is the machine's, not the program's: it outlives the program and is stopped here.
 left=$(our_processes Kestravin_Service)
@@ -230,12 +293,12 @@ if [ -n "$left" ]; then
   kill -TERM $left 2>/dev/null
   poll 10000 no_service || fail "the service did not end on SIGTERM"
 fi
-[ -n "$first_pid" ] && kill -KILL "$first_pid" 2>/dev/null
-left=$(orphaned_instance_lock "$tmp")
-[ -n "$left" ] && note "the single-instance shared memory segment ($left) outlives the program; removed"
 poll 10000 none_left \
   && ok "no program or service process of this test remains" \
   || fail "processes remain: $(our_processes kestravin) $(our_processes Kestravin_Service)"
+left=$(for key in $lock_keys; do ipc_key_in_use "$key" && echo "$key"; done; ls "$tmp"/qipc_* "$tmp"/runtime*/* 2>/dev/null)
+[ -z "$left" ] && ok "no lock object is left behind (System V keys $(echo $lock_keys), sockets)" \
+  || fail "left behind: $(echo $left)"
 
 echo "$failures failure(s); screenshot and logs in $work"
 [ "$failures" -eq 0 ]
