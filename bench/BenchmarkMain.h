@@ -1,6 +1,6 @@
 #pragma once
 
-#include "application/Logger.h"
+#include "logger/Logger.h"
 
 #include <benchmark/benchmark.h>
 

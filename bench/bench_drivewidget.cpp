@@ -4,7 +4,7 @@
 // Baselines of the same run: the replanning with no bar attached, and a repaint of the bar that
 // moves no box.
 
-#include "application/Logger.h"
+#include "logger/Logger.h"
 #include "migration/MigrationDestDrive.h"
 #include "migration/MigrationDestPartition.h"
 #include "migration/widgets/MigrationDestDriveWidget.h"

@@ -3,8 +3,8 @@
 // 1 = Debug, every frame writes its two lines to the log file).
 
 #include "BenchmarkMain.h"
-#include "application/Logger.h"
 #include "communication/NamedPipeClient.h"
+#include "logger/Logger.h"
 #include "message/Message.h"
 
 #include <benchmark/benchmark.h>

@@ -5,7 +5,7 @@
 // line goes to the log file).
 
 #include "BenchmarkMain.h"
-#include "application/Logger.h"
+#include "logger/Logger.h"
 #include "migration/FileSystemFilter.h"
 #include "migration/FileSystemNode.h"
 #include "migration/MigrationDestDrive.h"

@@ -4,12 +4,12 @@
 // language names not yet used; "Warm" repeats it in fresh windows. Baseline: the SMART page,
 // made the same way.
 
-#include "application/Logger.h"
 #include "communicationweb/TarnAuthorizationService.h"
 #include "download/DownloadManager.h"
 #include "gui/ApplicationFonts.h"
 #include "gui/MainWindow.h"
 #include "gui/MenuBar.h"
+#include "logger/Logger.h"
 #include "rest/RestClient.h"
 #include "system/System.h"
 #include "update/ApplicationUpdate.h"

@@ -5,8 +5,8 @@
 // against a folder of 1,000; the listing of such a folder arriving into an opened folder is
 // measured too, since that is the moment the user waits for after the click.
 
-#include "application/Logger.h"
 #include "gui/ApplicationFonts.h"
+#include "logger/Logger.h"
 #include "migration/FileSystemFilter.h"
 #include "migration/Migration.h"
 #include "migration/MigrationDestDrive.h"

@@ -2,9 +2,9 @@
 // parser (in reads of arbitrary sizes), the dispatcher and the handlers that parse payloads into
 // the drive model. Whatever the peer sends, nothing may crash.
 
-#include "application/Logger.h"
 #include "communication/Dispatcher.h"
 #include "communication/NamedPipeClient.h"
+#include "logger/Logger.h"
 #include "message/FrameReader.h"
 #include "performance/PerformanceCheck.h"
 #include "smart/SmartManager.h"

@@ -1,9 +1,9 @@
 #include "ads/AdsManager.h"
 
-#include "application/Logger.h"
 #include "communicationweb/AdAvabilityResponse.h"
 #include "download/DownloadFile.h"
 #include "download/DownloadManager.h"
+#include "logger/Logger.h"
 #include "rest/RestResponse.h"
 #include "settings/SettingsManager.h"
 

@@ -1,7 +1,7 @@
 #include "application/Application.h"
 
-#include "application/Logger.h"
 #include "gui/ApplicationFonts.h"
+#include "logger/Logger.h"
 #include "platform/Autostart.h"
 #include "settings/SettingsManager.h"
 #include "update/ApplicationUpdate.h"

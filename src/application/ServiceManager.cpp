@@ -1,6 +1,6 @@
 #include "application/ServiceManager.h"
 
-#include "application/Logger.h"
+#include "logger/Logger.h"
 
 #include "Version.pb.h"
 

@@ -1,6 +1,6 @@
 #include "communication/Dispatcher.h"
 
-#include "application/Logger.h"
+#include "logger/Logger.h"
 
 namespace Velmora::Communication {
 

@@ -1,6 +1,6 @@
 #include "communication/NamedPipeClient.h"
 
-#include "application/Logger.h"
+#include "logger/Logger.h"
 
 #include <QTimer>
 #include <QtEndian>

@@ -1,6 +1,6 @@
 #include "communicationweb/JsonMessage.h"
 
-#include "application/Logger.h"
+#include "logger/Logger.h"
 
 #include <QMetaProperty>
 

@@ -1,10 +1,10 @@
 #include "communicationweb/TarnAuthorizationService.h"
 
-#include "application/Logger.h"
 #include "communicationweb/AuthorizationRequest.h"
 #include "communicationweb/AuthorizationResponse.h"
 #include "communicationweb/SessionResponse.h"
 #include "communicationweb/TarnAuthenticator.h"
+#include "logger/Logger.h"
 #include "rest/RestClient.h"
 #include "rest/RestResponse.h"
 

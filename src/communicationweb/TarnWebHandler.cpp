@@ -1,7 +1,7 @@
 #include "communicationweb/TarnWebHandler.h"
 
-#include "application/Logger.h"
 #include "communicationweb/TarnAuthorizationService.h"
+#include "logger/Logger.h"
 #include "rest/RestClient.h"
 #include "rest/RestResponse.h"
 

@@ -1,8 +1,8 @@
 #include "download/DownloadManager.h"
 
-#include "application/Logger.h"
 #include "download/DownloadFile.h"
 #include "download/DownloadHandler.h"
+#include "logger/Logger.h"
 
 #include <QFileInfo>
 #include <QNetworkAccessManager>

@@ -1,6 +1,6 @@
 #include "migration/FileSystemFilter.h"
 
-#include "application/Logger.h"
+#include "logger/Logger.h"
 #include "migration/FileSystemNode.h"
 
 #include <QFileInfo>

@@ -1,6 +1,6 @@
 #include "migration/Migration.h"
 
-#include "application/Logger.h"
+#include "logger/Logger.h"
 #include "migration/FileSystemFilter.h"
 #include "migration/MigrationDestDrive.h"
 #include "migration/MigrationDestPartition.h"

@@ -1,6 +1,6 @@
 #include "migration/MigrationController.h"
 
-#include "application/Logger.h"
+#include "logger/Logger.h"
 #include "migration/ExtensionsFilter.h"
 #include "migration/FileSystemFilter.h"
 #include "migration/MessageCoding.h"

@@ -1,6 +1,6 @@
 #include "migration/MigrationDestDrive.h"
 
-#include "application/Logger.h"
+#include "logger/Logger.h"
 #include "migration/MigrationDestPartition.h"
 #include "smart/SmartController.h"
 #include "system/DriveHealthStatus.h"

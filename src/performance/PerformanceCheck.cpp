@@ -1,6 +1,6 @@
 #include "performance/PerformanceCheck.h"
 
-#include "application/Logger.h"
+#include "logger/Logger.h"
 #include "message/Payload.h"
 #include "performance/PerformanceResult.h"
 #include "system/Drive.h"

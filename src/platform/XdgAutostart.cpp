@@ -1,6 +1,6 @@
 #include "platform/XdgAutostart.h"
 
-#include "application/Logger.h"
+#include "logger/Logger.h"
 
 #include <QCoreApplication>
 #include <QDir>

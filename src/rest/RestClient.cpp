@@ -1,6 +1,6 @@
 #include "rest/RestClient.h"
 
-#include "application/Logger.h"
+#include "logger/Logger.h"
 #include "rest/Authenticator.h"
 #include "rest/RestResponse.h"
 

@@ -1,6 +1,6 @@
 #include "rest/TrustedAuthority.h"
 
-#include "application/Logger.h"
+#include "logger/Logger.h"
 
 #include <QSslCertificate>
 #include <QSslConfiguration>

@@ -1,6 +1,6 @@
 #include "settings/SettingsManager.h"
 
-#include "application/Logger.h"
+#include "logger/Logger.h"
 
 #include <QMutex>
 #include <QMutexLocker>

@@ -1,6 +1,6 @@
 #include "settings/StoredValue.h"
 
-#include "application/Logger.h"
+#include "logger/Logger.h"
 #include "settings/SettingsManager.h"
 
 #include <QVariant>

@@ -1,6 +1,6 @@
 #include "settings/UpdateSettings.h"
 
-#include "application/Logger.h"
+#include "logger/Logger.h"
 #include "update/UpdateSettingsWidget.h"
 
 namespace Velmora::Settings {

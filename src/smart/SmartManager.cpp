@@ -1,6 +1,6 @@
 #include "smart/SmartManager.h"
 
-#include "application/Logger.h"
+#include "logger/Logger.h"
 #include "message/Payload.h"
 #include "settings/SettingsManager.h"
 #include "settings/StoredValue.h"

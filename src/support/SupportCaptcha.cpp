@@ -1,8 +1,8 @@
 #include "support/SupportCaptcha.h"
 
-#include "application/Logger.h"
 #include "download/DownloadFile.h"
 #include "download/DownloadManager.h"
+#include "logger/Logger.h"
 
 #include <QDir>
 #include <QStandardPaths>

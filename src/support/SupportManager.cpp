@@ -1,7 +1,7 @@
 #include "support/SupportManager.h"
 
-#include "application/Logger.h"
 #include "communicationweb/SupportResponse.h"
+#include "logger/Logger.h"
 #include "rest/RestResponse.h"
 #include "smart/SmartManager.h"
 #include "support/SupportServiceHandler.h"

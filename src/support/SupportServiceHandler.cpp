@@ -1,6 +1,6 @@
 #include "support/SupportServiceHandler.h"
 
-#include "application/Logger.h"
+#include "logger/Logger.h"
 #include "message/Payload.h"
 
 #include "CopyLogFiles.pb.h"

@@ -1,6 +1,6 @@
 #include "support/SupportTicket.h"
 
-#include "application/Logger.h"
+#include "logger/Logger.h"
 
 #include <QTemporaryDir>
 

@@ -1,6 +1,6 @@
 #include "system/Bytes.h"
 
-#include "application/Logger.h"
+#include "logger/Logger.h"
 
 #include <QStringList>
 

@@ -1,6 +1,6 @@
 #include "system/Drive.h"
 
-#include "application/Logger.h"
+#include "logger/Logger.h"
 #include "performance/PerformanceResult.h"
 #include "smart/SmartController.h"
 #include "system/DriveHealthStatus.h"

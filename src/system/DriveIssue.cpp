@@ -1,6 +1,6 @@
 #include "system/DriveIssue.h"
 
-#include "application/Logger.h"
+#include "logger/Logger.h"
 
 namespace Velmora::System {
 

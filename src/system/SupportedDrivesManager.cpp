@@ -1,9 +1,9 @@
 #include "system/SupportedDrivesManager.h"
 
-#include "application/Logger.h"
 #include "communicationweb/SupportedDriveEntry.h"
 #include "communicationweb/SupportedDrivesResponse.h"
 #include "communicationweb/TarnAuthorizationService.h"
+#include "logger/Logger.h"
 #include "rest/RestResponse.h"
 #include "system/Drive.h"
 

@@ -1,6 +1,6 @@
 #include "system/System.h"
 
-#include "application/Logger.h"
+#include "logger/Logger.h"
 #include "system/Drive.h"
 
 namespace Velmora::System {

@@ -1,6 +1,6 @@
 #include "system/SystemManager.h"
 
-#include "application/Logger.h"
+#include "logger/Logger.h"
 #include "message/Payload.h"
 #include "system/Drive.h"
 #include "system/FileCategories.h"

@@ -1,9 +1,9 @@
 #include "update/ApplicationUpdate.h"
 
-#include "application/Logger.h"
 #include "communicationweb/ApplicationUpdateResponse.h"
 #include "download/DownloadFile.h"
 #include "download/DownloadManager.h"
+#include "logger/Logger.h"
 #include "rest/RestResponse.h"
 
 #include <QDir>

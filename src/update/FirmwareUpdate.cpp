@@ -1,7 +1,7 @@
 #include "update/FirmwareUpdate.h"
 
-#include "application/Logger.h"
 #include "communicationweb/FirmwareResponse.h"
+#include "logger/Logger.h"
 #include "rest/RestResponse.h"
 #include "system/Drive.h"
 #include "system/SupportedDrivesManager.h"

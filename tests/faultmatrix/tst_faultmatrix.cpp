@@ -6,11 +6,11 @@
 #include "BackendTestSupport.h"
 #include "SimulatorProcess.h"
 
-#include "application/Logger.h"
 #include "application/ServiceManager.h"
 #include "communication/Dispatcher.h"
 #include "communication/NamedPipeClient.h"
 #include "communicationweb/TarnAuthorizationService.h"
+#include "logger/Logger.h"
 #include "migration/Migration.h"
 #include "migration/MigrationController.h"
 #include "migration/MigrationDestDrive.h"

@@ -2,12 +2,12 @@
 
 #include "support/TestEnvironment.h"
 
-#include "application/Logger.h"
 #include "gui/ApplicationFonts.h"
 #include "gui/pages/FirmwareUpdatePage.h"
 #include "gui/pages/PerformanceCheckPage.h"
 #include "gui/widgets/ParamValueWidget.h"
 #include "gui/widgets/ProgressBar.h"
+#include "logger/Logger.h"
 #include "settings/SettingsManager.h"
 #include "message/Payload.h"
 #include "performance/PerformanceCheck.h"

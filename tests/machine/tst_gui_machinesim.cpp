@@ -2,7 +2,6 @@
 
 #include "SimulatorProcess.h"
 #include "WidgetShots.h"
-#include "application/Logger.h"
 #include "communication/Dispatcher.h"
 #include "communication/NamedPipeClient.h"
 #include "communicationweb/TarnAuthorizationService.h"
@@ -15,6 +14,7 @@
 #include "gui/pages/SSDStatusPage.h"
 #include "gui/pages/SmartParametersPage.h"
 #include "gui/widgets/ParamValueWidget.h"
+#include "logger/Logger.h"
 #include "performance/PerformanceCheck.h"
 #include "rest/RestClient.h"
 #include "smart/SmartManager.h"

@@ -1,7 +1,7 @@
 #include "SimulatorProcess.h"
-#include "application/Logger.h"
 #include "communication/Dispatcher.h"
 #include "communication/NamedPipeClient.h"
+#include "logger/Logger.h"
 #include "performance/PerformanceCheck.h"
 #include "performance/PerformanceResult.h"
 #include "smart/SmartController.h"

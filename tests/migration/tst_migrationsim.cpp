@@ -3,9 +3,9 @@
 // reads afterwards shows the planned partitions on the destination.
 
 #include "SimulatorProcess.h"
-#include "application/Logger.h"
 #include "communication/Dispatcher.h"
 #include "communication/NamedPipeClient.h"
+#include "logger/Logger.h"
 #include "migration/Migration.h"
 #include "migration/MigrationController.h"
 #include "migration/MigrationDestDrive.h"

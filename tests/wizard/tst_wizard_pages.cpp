@@ -5,7 +5,7 @@
 #include <QApplication>
 
 #include "ControllerRig.h"
-#include "application/Logger.h"
+#include "logger/Logger.h"
 #include "migration/wizard/MigrationWizard.h"
 #include "migration/wizard/PartitionDetailsWidget.h"
 #include "migration/wizard/PartitionSizePage.h"

@@ -5,9 +5,9 @@
 #include <QApplication>
 
 #include "SimulatorProcess.h"
-#include "application/Logger.h"
 #include "communication/Dispatcher.h"
 #include "communication/NamedPipeClient.h"
+#include "logger/Logger.h"
 #include "migration/Migration.h"
 #include "migration/MigrationController.h"
 #include "migration/MigrationDestPartition.h"

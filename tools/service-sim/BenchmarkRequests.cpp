@@ -1,6 +1,6 @@
 #include "BenchmarkRequests.h"
 
-#include "application/Logger.h"
+#include "logger/Logger.h"
 #include "message/Message.h"
 
 #include "DiskPerformance.pb.h"

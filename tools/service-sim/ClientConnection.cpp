@@ -1,6 +1,6 @@
 #include "ClientConnection.h"
 
-#include "application/Logger.h"
+#include "logger/Logger.h"
 #include "message/Message.h"
 
 #include <google/protobuf/message_lite.h>

@@ -3,7 +3,7 @@
 #include "FilterRules.h"
 #include "SteppedTask.h"
 
-#include "application/Logger.h"
+#include "logger/Logger.h"
 #include "message/Message.h"
 
 #include "FileTypeStructure.pb.h"

@@ -2,7 +2,7 @@
 
 #include "SteppedTask.h"
 
-#include "application/Logger.h"
+#include "logger/Logger.h"
 #include "message/Message.h"
 
 #include <QTimer>

@@ -1,6 +1,6 @@
 #include "LogFileRequests.h"
 
-#include "application/Logger.h"
+#include "logger/Logger.h"
 #include "message/Message.h"
 
 #include "CopyLogFiles.pb.h"

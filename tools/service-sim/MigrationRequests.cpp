@@ -2,7 +2,7 @@
 
 #include "FileCopyTask.h"
 
-#include "application/Logger.h"
+#include "logger/Logger.h"
 #include "message/Message.h"
 
 #include "Migration.pb.h"

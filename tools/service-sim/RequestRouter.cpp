@@ -3,7 +3,7 @@
 #include "ClientConnection.h"
 #include "RequestGroup.h"
 
-#include "application/Logger.h"
+#include "logger/Logger.h"
 #include "message/Message.h"
 
 #include "Error.pb.h"

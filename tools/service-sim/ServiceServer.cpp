@@ -3,7 +3,7 @@
 #include "ClientConnection.h"
 #include "RequestRouter.h"
 
-#include "application/Logger.h"
+#include "logger/Logger.h"
 
 #include <QLocalSocket>
 

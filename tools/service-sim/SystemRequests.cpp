@@ -1,6 +1,6 @@
 #include "SystemRequests.h"
 
-#include "application/Logger.h"
+#include "logger/Logger.h"
 #include "message/Message.h"
 
 #include "Error.pb.h"

@@ -14,7 +14,7 @@
 #include "SmartRequests.h"
 #include "SystemRequests.h"
 
-#include "application/Logger.h"
+#include "logger/Logger.h"
 #include "message/Message.h"
 
 #include <QCoreApplication>

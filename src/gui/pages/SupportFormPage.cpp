@@ -1,6 +1,6 @@
 #include "gui/pages/SupportFormPage.h"
 
-#include "application/Logger.h"
+#include "logger/Logger.h"
 #include "support/SupportCaptcha.h"
 #include "system/Drive.h"
 #include "system/SupportedDrivesManager.h"

@@ -2,7 +2,7 @@
 
 #include "gui/GuiResources.h"
 
-#include "application/Logger.h"
+#include "logger/Logger.h"
 #include "update/ApplicationUpdate.h"
 
 #include <QDate>

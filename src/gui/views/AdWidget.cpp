@@ -1,6 +1,6 @@
 #include "gui/views/AdWidget.h"
 
-#include "application/Logger.h"
+#include "logger/Logger.h"
 
 #include <QDesktopServices>
 #include <QFileInfo>

@@ -1,6 +1,6 @@
 #include "migration/wizard/MigrationWizard.h"
 
-#include "application/Logger.h"
+#include "logger/Logger.h"
 #include "migration/Migration.h"
 #include "migration/MigrationDestDrive.h"
 #include "migration/MigrationDestPartition.h"

@@ -1,4 +1,4 @@
-#include "application/Logger.h"
+#include "logger/Logger.h"
 
 #include <QDateTime>
 #include <QDebug>
