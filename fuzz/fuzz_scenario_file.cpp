@@ -51,7 +51,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size)
     }
     for (const auto& drive : machine.systemInfo().drives()) {
         for (const auto& partition : drive.partitions())
-            machine.findContent(drive.id(), partition.id());
+            machine.findContent(drive.driveid(), partition.id());
     }
     return 0;
 }

@@ -16,7 +16,6 @@
 #include "communicationweb/SessionResponse.h"
 #include "communicationweb/SupportRequest.h"
 #include "communicationweb/SupportResponse.h"
-#include "communicationweb/SupportedDriveEntry.h"
 #include "message/FrameReader.h"
 #include "system/SupportedDrivesManager.h"
 
@@ -36,7 +35,7 @@
 
 using namespace Velmora;
 using namespace Velmora::ServiceSim;
-using Velmora::Message::Message;
+using Type = Velmora::Message::Message;
 using Velmora::Message::FrameReader;
 
 namespace {
@@ -90,53 +89,53 @@ QList<QPair<quint32, QByteArray>> userRequests(Machine& machine)
     const quint32 partitionId = drive.partitions_size() > 0 ? drive.partitions(0).id() : 0;
 
     Velmora::Message::DiskPerformanceRequest benchmark;
-    benchmark.set_driveid(drive.id());
+    benchmark.set_driveid(drive.driveid());
     benchmark.set_filesize(1 << 20);
     benchmark.set_blocksize(4096);
-    requests.append({Message::DiskBenchmarkRequest, bytesOf(benchmark)});
+    requests.append({Type::DiskBenchmarkRequest, bytesOf(benchmark)});
 
     Velmora::Message::FileListRequest list;
     list.set_dirpath(drive.partitions_size() > 0 ? drive.partitions(0).letter() + "\\" : "C:\\");
-    requests.append({Message::FileListRequest, bytesOf(list)});
+    requests.append({Type::FileListRequest, bytesOf(list)});
 
     Velmora::Message::MigrationFilterSystemPaths paths;
-    paths.set_driveid(drive.id());
+    paths.set_driveid(drive.driveid());
     paths.set_partitionid(partitionId);
-    requests.append({Message::MigrationFilterSystemPaths, bytesOf(paths)});
+    requests.append({Type::MigrationFilterSystemPaths, bytesOf(paths)});
 
     Velmora::Message::FileTypeStructureRequest filtered;
-    filtered.set_driveid(drive.id());
+    filtered.set_driveid(drive.driveid());
     filtered.set_partitionid(static_cast<int>(partitionId));
     filtered.set_action(Velmora::Message::FileTypeStructureRequest::Start);
-    requests.append({Message::MigrationFilterTypeRequest, bytesOf(filtered)});
+    requests.append({Type::MigrationFilterTypeRequest, bytesOf(filtered)});
 
     Velmora::Message::CleanDisk clean;
-    clean.set_driveid(last.id());
+    clean.set_driveid(last.driveid());
     clean.set_partitionstyle(Velmora::Message::CleanDisk::GPT);
-    requests.append({Message::CleanDisk, bytesOf(clean)});
+    requests.append({Type::CleanDisk, bytesOf(clean)});
 
     Velmora::Message::PartitionCreate create;
-    create.set_driveid(last.id());
+    create.set_driveid(last.driveid());
     if (drive.partitions_size() > 0)
         *create.mutable_partition() = drive.partitions(0);
-    requests.append({Message::PartitionCreate, bytesOf(create)});
+    requests.append({Type::PartitionCreate, bytesOf(create)});
 
     Velmora::Message::PartitionFormat format;
-    format.set_driveid(last.id());
+    format.set_driveid(last.driveid());
     *format.mutable_partition() = create.partition();
-    requests.append({Message::PartitionFormat, bytesOf(format)});
+    requests.append({Type::PartitionFormat, bytesOf(format)});
 
     Velmora::Message::FileCopyRequest copy;
-    copy.set_sourcedriveid(drive.id());
+    copy.set_sourcedriveid(drive.driveid());
     copy.set_sourcepartitionid(partitionId);
-    copy.set_destinationdriveid(last.id());
+    copy.set_destinationdriveid(last.driveid());
     copy.set_destinationpartitionid(create.partition().id());
-    requests.append({Message::FileCopyRequest, bytesOf(copy)});
+    requests.append({Type::FileCopyRequest, bytesOf(copy)});
 
     Velmora::Message::MigrationBootability boot;
-    boot.set_driveid(last.id());
+    boot.set_driveid(last.driveid());
     boot.set_ospartitionid(create.partition().id());
-    requests.append({Message::MigrationBootability, bytesOf(boot)});
+    requests.append({Type::MigrationBootability, bytesOf(boot)});
     return requests;
 }
 
@@ -163,7 +162,7 @@ bool recordConversation(const QString& scenario, int index, Corpus& corpus)
     QByteArray answerStream(1, char(63)); // reads of 64 bytes
     int requests = 0;
     int answers = 0;
-    auto keepRequest = [&](Message::MessageType type, const QByteArray& payload) {
+    auto keepRequest = [&](Type::MessageType type, const QByteArray& payload) {
         const QByteArray frame = FrameReader::encode(type, payload);
         requestStream += frame;
         corpus.add(QStringLiteral("fuzz_service_requests"), QStringLiteral("%1-%2").arg(scenario).arg(++requests),
@@ -171,10 +170,11 @@ bool recordConversation(const QString& scenario, int index, Corpus& corpus)
     };
     QObject::connect(program.dispatcher, &Communication::Dispatcher::sendMessageToClient, &owner, keepRequest);
     QObject::connect(program.client, &Communication::NamedPipeClient::messageReceived, &owner,
-        [&](Message::MessageType type, const QByteArray& payload) {
+        [&](Type::MessageType type, const QByteArray& payload) {
             const QByteArray frame = FrameReader::encode(type, payload);
             answerStream += frame;
-            corpus.add(QStringLiteral("fuzz_service_input"), QStringLiteral("%1-%2").arg(scenario).arg(++answers),
+            ++answers;
+            corpus.add(QStringLiteral("fuzz_service_input"), QStringLiteral("%1-%2").arg(scenario).arg(answers),
                 QByteArray(1, char(answers % 64)) + frame);
         });
     program.client->setServerName(name);
@@ -188,8 +188,8 @@ bool recordConversation(const QString& scenario, int index, Corpus& corpus)
     };
     talk();
     for (const auto& [type, payload] : userRequests(machine)) {
-        keepRequest(static_cast<Message::MessageType>(type), payload);
-        program.client->sendMessage(static_cast<Message::MessageType>(type), payload);
+        keepRequest(static_cast<Type::MessageType>(type), payload);
+        program.client->sendMessage(static_cast<Type::MessageType>(type), payload);
     }
     talk();
     corpus.add(QStringLiteral("fuzz_service_requests"), scenario + QStringLiteral("-stream"), requestStream);
@@ -212,16 +212,13 @@ void addWebSeeds(Corpus& corpus)
         jsonSeed<CommunicationWeb::ApplicationUpdateResponse>(1), jsonSeed<CommunicationWeb::AuthorizationRequest>(2),
         jsonSeed<CommunicationWeb::AuthorizationResponse>(3), jsonSeed<CommunicationWeb::FirmwareResponse>(4),
         jsonSeed<CommunicationWeb::SessionResponse>(5), jsonSeed<CommunicationWeb::SupportRequest>(6),
-        jsonSeed<CommunicationWeb::SupportResponse>(7), jsonSeed<CommunicationWeb::SupportedDriveEntry>(8)};
+        jsonSeed<CommunicationWeb::SupportResponse>(7)};
     for (int i = 0; i < seeds.size(); ++i)
         corpus.add(QStringLiteral("fuzz_web_messages"), QString::number(i), seeds.at(i));
-    CommunicationWeb::SupportedDriveEntry entry;
-    entry.setModel(QStringLiteral("KESTRAVIN KC600*"));
-    entry.setFirmware(QStringLiteral("S*"));
-    entry.setSmartType(QStringLiteral("SM2259"));
-    const QJsonArray list = {entry.toJson().object(), entry.toJson().object()};
-    corpus.add(QStringLiteral("fuzz_web_messages"), QStringLiteral("9"),
-        QByteArray(1, char(9)) + QJsonDocument(list).toJson(QJsonDocument::Compact));
+    const QJsonObject entry{{QStringLiteral("model"), QStringLiteral("KESTRAVIN KC600*")},
+        {QStringLiteral("firmware"), QStringLiteral("S*")}, {QStringLiteral("smartType"), QStringLiteral("SM2259")}};
+    corpus.add(QStringLiteral("fuzz_web_messages"), QStringLiteral("8"),
+        QByteArray(1, char(8)) + QJsonDocument(QJsonArray{entry, entry}).toJson(QJsonDocument::Compact));
 }
 
 void addCacheSeeds(Corpus& corpus, const QTemporaryDir& scratch)
