@@ -26,14 +26,14 @@ QString withoutBlanks(QString text)
 }
 
 // Takes a field only as write() puts it: the canonical Base64 of a non-empty text. Anything else
-// is damage, and a field that decodes to nothing would match every drive.
+// is damage, and a field that decodes to nothing (the text ends at a NUL) would match every drive.
 bool decodeField(const QString& field, QString* text)
 {
     const QByteArray bytes = QByteArray::fromBase64(field.toLatin1());
-    if (bytes.isEmpty() || QString::fromLatin1(bytes.toBase64()) != field)
+    if (QString::fromLatin1(bytes.toBase64()) != field)
         return false;
     *text = QString::fromUtf8(bytes);
-    return true;
+    return !text->isEmpty();
 }
 
 } // namespace
