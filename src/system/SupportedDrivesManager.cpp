@@ -25,6 +25,17 @@ QString withoutBlanks(QString text)
     return text.remove(QLatin1Char(' '));
 }
 
+// Takes a field only as write() puts it: the canonical Base64 of a non-empty text. Anything else
+// is damage, and a field that decodes to nothing (the text ends at a NUL) would match every drive.
+bool decodeField(const QString& field, QString* text)
+{
+    const QByteArray bytes = QByteArray::fromBase64(field.toLatin1());
+    if (QString::fromLatin1(bytes.toBase64()) != field)
+        return false;
+    *text = QString::fromUtf8(bytes);
+    return !text->isEmpty();
+}
+
 } // namespace
 
 SupportedDrivesManager* SupportedDrivesManager::s_instance = nullptr;
@@ -72,13 +83,15 @@ bool SupportedDrivesFile::read(QList<SupportedDrive>& drives) const
         // Empty parts are dropped, so a field that was written empty fails the line: the list
         // from the server is checked against what this reads back.
         const QStringList parts = stream.readLine().split(QLatin1Char(','), Qt::SkipEmptyParts);
-        if (parts.size() != 3) {
+        QString model;
+        QString firmware;
+        QString smartType;
+        if (parts.size() != 3 || !decodeField(parts.at(0), &model) || !decodeField(parts.at(1), &firmware)
+            || !decodeField(parts.at(2), &smartType)) {
             Logger::error(QString(), QStringLiteral("Supported drives file format errors detected"));
             return false;
         }
-        drives.append(SupportedDrive(QString::fromUtf8(QByteArray::fromBase64(parts.at(0).toLatin1())),
-            QString::fromUtf8(QByteArray::fromBase64(parts.at(1).toLatin1())),
-            QString::fromUtf8(QByteArray::fromBase64(parts.at(2).toLatin1()))));
+        drives.append(SupportedDrive(model, firmware, smartType));
     }
     Logger::info(QString(), QStringLiteral("Successfully read supported drives file with %1 drive entries").arg(drives.size()));
     return true;

@@ -34,6 +34,20 @@ QString toJson(const google::protobuf::Message& message)
     return fromUtf8(json);
 }
 
+// The service may name a table style this program does not know; such a partition is taken as raw,
+// so that neither table's rules are applied to it.
+Partition::PartitionType partitionType(pb::PartitionInfo::PartitionType type)
+{
+    switch (type) {
+    case pb::PartitionInfo::MBR:
+        return Partition::MBR;
+    case pb::PartitionInfo::GPT:
+        return Partition::GPT;
+    default:
+        return Partition::RAW;
+    }
+}
+
 } // namespace
 
 SystemManager::SystemManager(System* system, QObject* parent)
@@ -145,7 +159,7 @@ void SystemManager::updateExistingDrive(Drive* drive, const pb::SystemInfo::Driv
         partition->setSize(Bytes(static_cast<qint64>(p.size())));
         partition->setUsed(Bytes(static_cast<qint64>(p.used())));
         partition->setOffset(Bytes(static_cast<qint64>(p.offset())));
-        partition->setType(static_cast<Partition::PartitionType>(p.type()));
+        partition->setType(partitionType(p.type()));
         partition->setMbrType(p.mbrtype());
         partition->setGptType(fromUtf8(p.gpttype()));
         partition->setVolumeName(fromUtf8(p.volumename()));
@@ -181,7 +195,7 @@ void SystemManager::addPartition(Drive* drive, const pb::PartitionInfo& p)
     Logger::debug(QString(), QStringLiteral("Add partition: %1").arg(p.id()));
     auto* partition = new Partition(static_cast<int>(p.id()), fromUtf8(p.letter()), fromUtf8(p.label()),
         Bytes(static_cast<qint64>(p.size())), Bytes(static_cast<qint64>(p.used())),
-        Bytes(static_cast<qint64>(p.offset())), static_cast<Partition::PartitionType>(p.type()), p.mbrtype(),
+        Bytes(static_cast<qint64>(p.offset())), partitionType(p.type()), p.mbrtype(),
         fromUtf8(p.gpttype()), fromUtf8(p.volumename()), fromUtf8(p.filesystem()), p.isbootable(), p.islogical(),
         drive);
     drive->addPartition(partition);

@@ -129,6 +129,12 @@ void TestSupportedDrivesFile::processesTheServersList_data()
         << TwoModelsFile << answerOf(200, R"([{"model":"SSD A1","firmware":"1.0","smartType":"B"},{"model":"SSDX","firmware":"","smartType":"C"}])")
         << "Updated drives list and server drives list mismatch" << QStringList{"SSD A1|1.0|B"}
         << QByteArray("U1NEIEEx,MS4w,Qg==\nU1NEWA==,,Qw==\n");
+    // An empty model would match every drive: "!!!!" decodes to nothing, "AFM=" to a text ending at its NUL.
+    for (const QByteArray& field : {QByteArray("!!!!"), QByteArray("AFM=")}) {
+        const QByteArray damagedFile = "U1NEIEEx,MS4w,Qg==\n" + field + ",Uzk=,Qw==\n";
+        QTest::newRow("damaged field " + field) << damagedFile << answerOf(500, TwoModels)
+            << "Supported drives file format errors detected" << QStringList{"SSD A1|1.0|B"} << damagedFile;
+    }
     QTest::newRow("server error") << TwoModelsFile << answerOf(500, TwoModels)
                                   << "Server did not respond correctly to supported drives request: 500" << twoModels << TwoModelsFile;
     Answer redirect = answerOf(302, TwoModels);

@@ -57,6 +57,8 @@ private slots:
     void cleanup();
 
     void updatesPartitionsInPlace();
+    void takesUnknownPartitionStylesAsRaw_data();
+    void takesUnknownPartitionStylesAsRaw();
     void followsFileCategoryScans_data();
     void followsFileCategoryScans();
 
@@ -114,6 +116,29 @@ void TestSystemManager::updatesPartitionsInPlace()
     QCOMPARE(log.count(QStringLiteral("Add partition: 4")), 1);
     QCOMPARE(log.count(QStringLiteral("Remove partition: -1")), 1);
     QCOMPARE(log.count(QStringLiteral("Remove drive: 2")), 1);
+}
+
+void TestSystemManager::takesUnknownPartitionStylesAsRaw_data()
+{
+    QTest::addColumn<int>("wireType");
+    QTest::addColumn<int>("modelType");
+    QTest::newRow("MBR") << 0 << int(Partition::MBR);
+    QTest::newRow("GPT") << 1 << int(Partition::GPT);
+    QTest::newRow("the model's own unused space") << 3 << int(Partition::RAW);
+    QTest::newRow("unknown") << 4242 << int(Partition::RAW);
+}
+
+void TestSystemManager::takesUnknownPartitionStylesAsRaw()
+{
+    QFETCH(int, wireType);
+    QFETCH(int, modelType);
+    SystemInfoBuilder b;
+    auto& ssd = b.drive(1, QStringLiteral("BRANTEL SSD S1"), QStringLiteral("AA11"), 256 * SystemInfoBuilder::GiB);
+    SystemInfoBuilder::partition(ssd, 1, SystemInfoBuilder::MiB, 100 * SystemInfoBuilder::MiB, 0)
+        .set_type(static_cast<Velmora::Message::PartitionInfo::PartitionType>(wireType));
+    m_manager->handleMessage(Message::SystemInfo, b.payload());
+    QVERIFY(m_system->drive(1) && m_system->drive(1)->partition(1));
+    QCOMPARE(int(m_system->drive(1)->partition(1)->type()), modelType);
 }
 
 void TestSystemManager::followsFileCategoryScans_data()
