@@ -28,7 +28,7 @@ public:
     QString installCommand() const override { return QString(); }
     QString startCommand() const override { return QString(); }
     CommandResult install(int) override { return {}; }
-    CommandResult start(int) override { return {}; }
+    void start(int, Finished) override {}
 };
 
 struct ProgramRig {
