@@ -90,9 +90,9 @@ void BM_ReplanWithoutBar(benchmark::State& state)
         plan.replan();
 }
 
-// The same replanning with the bar attached: every change signal only restarts the layout timer
-// and marks a box dirty, and the dirty boxes are painted at the next turn of the loop. Then,
-// untimed, the timer is let run out and the layouts are counted.
+// The same replanning with the bar attached: every change signal only restarts the layout timer,
+// nothing is painted before the layout. Then, untimed, the timer is let run out and the layouts
+// are counted.
 void BM_ReplanWithBar(benchmark::State& state)
 {
     Velmora::Logger::setLevel(Velmora::Logger::Info);
@@ -124,8 +124,7 @@ void BM_LayoutAndRepaintAfterReplan(benchmark::State& state)
     QObject::connect(bar.get(), &DriveWidget::layoutUpdated, [&layouts] { ++layouts; });
     for (auto _ : state) {
         plan.replan();
-        // The boxes the replanning marked dirty are painted at the next turn of the loop, before
-        // the layout is due; that paint belongs to the burst.
+        // Whatever the burst posted is handled before the layout is due, as in the program.
         QCoreApplication::sendPostedEvents();
         QThread::msleep(2 * DriveWidget::LayoutDelayMs);
         const int before = layouts;

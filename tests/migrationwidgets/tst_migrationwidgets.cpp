@@ -134,6 +134,38 @@ private slots:
         QVERIFY2(qAbs(last[0].toInt() + last[1].toInt() - 901) <= 1, qPrintable(placed.join(' ')));
     }
 
+    // However narrow a box, its caption is whole phrases that fit, an ellipsis, or the letter alone.
+    void captionShowsWholeWordsThatFit_data()
+    {
+        QTest::addColumn<int>("barWidth");
+        QTest::addColumn<QString>("expected");
+        QTest::newRow("narrowest") << 39 << "C:";
+        for (int width : {90, 130, 170, 230, 300})
+            QTest::newRow(qPrintable(QString::number(width))) << width << QString();
+        QTest::newRow("wide") << 900 << "C: [System Data]\n200.00 GB / 512.00 GB";
+    }
+
+    void captionShowsWholeWordsThatFit()
+    {
+        QFETCH(int, barWidth);
+        QFETCH(QString, expected);
+        const std::unique_ptr<Drive> source(PlanBuilder::drive(1, TiB));
+        add(source.get(), 1, Data, 512 * GiB, 200 * GiB, QStringLiteral("C:"))->setLabel(QStringLiteral("System Data"));
+        DriveWidget widget;
+        widget.setDrive(source.get());
+        widget.resize(barWidth, DriveWidget::FixedHeight);
+        settle(widget);
+        PartitionWidget* box = widget.partitionWidgets().first();
+        box->grab();
+        const QStringList clean = {"C: [System Data]", "C: [System…", "C:", "200.00 GB / 512.00 GB", "200.00 GB…"};
+        for (const QString& line : box->shownCaption().split('\n', Qt::SkipEmptyParts)) {
+            QVERIFY2(QFontMetricsF(box->font()).horizontalAdvance(line) < box->width() - 12, qPrintable(line));
+            QVERIFY2(clean.contains(line), qPrintable(line));
+        }
+        if (!expected.isEmpty())
+            QCOMPARE(box->shownCaption(), expected);
+    }
+
     void pressIsIgnoredReleaseClicks()
     {
         const std::unique_ptr<Drive> source(exampleSource());

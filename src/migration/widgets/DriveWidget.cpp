@@ -48,10 +48,10 @@ void DriveWidget::setDrive(Drive* drive)
     removePartitionWidgets();
     m_drive = drive;
     if (drive) {
+        // No repaint of its own: the layout that a change schedules repaints the whole bar. A
+        // repaint at each change made a replanning of 128 partitions take 200 ms, and even one
+        // at the next turn of the loop painted every box twice, first at its former place.
         connect(drive, &Drive::dataChanged, this, &DriveWidget::updateLayout);
-        // Scheduled, not immediate: a replanning changes every partition in a row, and painting
-        // the whole bar at each change made one replanning of 128 partitions take 200 ms.
-        connect(drive, &Drive::dataChanged, this, qOverload<>(&QWidget::update));
         connect(drive, &Drive::partitionAdded, this, &DriveWidget::onItemAdded);
         connect(drive, &Drive::partitionRemoved, this, &DriveWidget::onItemRemoved);
         for (int id : drive->partitions().keys())
@@ -94,7 +94,12 @@ void DriveWidget::onItemAdded(int id)
 void DriveWidget::addPartitionWidget(int id, PartitionWidget* widget)
 {
     Partition* partition = widget->partition();
-    connect(partition, &Partition::dataChanged, widget, qOverload<>(&QWidget::update));
+    // A partition's change reaches the bar through its drive as well, and the layout scheduled
+    // there repaints every box; a box paints by itself only when no layout is on its way.
+    connect(partition, &Partition::dataChanged, widget, [this, widget] {
+        if (!m_layoutTimer.isActive())
+            widget->update();
+    });
     connect(widget, &BaseSystemWidget::clicked, this, &BaseSystemWidget::clicked);
     // The model drops stretches of unused space without telling; their boxes must not outlive them.
     connect(partition, &QObject::destroyed, this, [this, id] { onItemRemoved(id); });

@@ -2,8 +2,10 @@
 
 #include "system/Partition.h"
 
+#include <QHelpEvent>
 #include <QLinearGradient>
 #include <QPainter>
+#include <QToolTip>
 
 namespace Velmora::System {
 
@@ -23,15 +25,22 @@ QFont partitionFont()
     return font;
 }
 
-// The letter, the label in brackets, and how much of the size is used, on two lines. A static text
-// breaks lines only at the Unicode separator.
-QString captionOf(const Partition& partition)
+// The letter and the label in brackets over how much of the size is used. A narrow box keeps the
+// letter alone, or the used size with an ellipsis; a partition with neither letter nor label shows
+// the sizes alone.
+QList<BoxCaption::Line> captionOf(const Partition& partition)
 {
-    const QString label = partition.label().isEmpty() ? QString() : QStringLiteral("[%1]").arg(partition.label());
-    QString text = QStringLiteral("%1 %2\n%3 / %4")
-                       .arg(partition.letter(), label, partition.used().toString(), partition.size().toString())
-                       .trimmed();
-    return text.replace(QLatin1Char('\n'), QChar::LineSeparator);
+    QStringList head;
+    if (!partition.letter().isEmpty())
+        head.append(partition.letter());
+    if (!partition.label().isEmpty())
+        head += QStringLiteral("[%1]").arg(partition.label()).split(QLatin1Char(' '), Qt::SkipEmptyParts);
+    QList<BoxCaption::Line> lines;
+    if (!head.isEmpty())
+        lines.append(BoxCaption::elisions(head, !partition.letter().isEmpty()));
+    lines.append(BoxCaption::elisions(
+        {partition.used().toString(), QStringLiteral("/ %1").arg(partition.size().toString())}, false));
+    return lines;
 }
 
 } // namespace
@@ -42,8 +51,20 @@ PartitionWidget::PartitionWidget(Partition* partition, QWidget* parent)
 {
     setMinimumHeight(MinimumHeight);
     setFont(partitionFont());
-    m_caption.setTextFormat(Qt::PlainText);
-    m_caption.setPerformanceHint(QStaticText::AggressiveCaching);
+}
+
+bool PartitionWidget::event(QEvent* event)
+{
+    if (event->type() != QEvent::ToolTip)
+        return BaseSystemWidget::event(event);
+    // Whatever a narrow box leaves out is there on hovering it.
+    if (m_caption.isElided()) {
+        QToolTip::showText(static_cast<QHelpEvent*>(event)->globalPos(), m_caption.fullText(), this);
+    } else {
+        QToolTip::hideText();
+        event->ignore();
+    }
+    return true;
 }
 
 void PartitionWidget::paintEvent(QPaintEvent*)
@@ -58,12 +79,13 @@ void PartitionWidget::paintEvent(QPaintEvent*)
         paintPartition(painter, frame);
 }
 
-void PartitionWidget::paintUnusedSpace(QPainter& painter, const QRect& frame) const
+void PartitionWidget::paintUnusedSpace(QPainter& painter, const QRect& frame)
 {
     painter.setPen(UnusedSpaceColor);
     // A stroked QRect covers one pixel more than its size on each axis.
     painter.drawRect(frame.adjusted(0, 0, -1, -1));
-    painter.drawText(frame.adjusted(4, 0, -4, 0), Qt::AlignCenter, m_partition->size().toString());
+    m_caption.setLines({{m_partition->size().toString()}});
+    m_caption.draw(painter, frame.adjusted(4, 0, -4, 0), Qt::AlignCenter);
 }
 
 void PartitionWidget::paintPartition(QPainter& painter, const QRect& frame)
@@ -82,14 +104,9 @@ void PartitionWidget::paintPartition(QPainter& painter, const QRect& frame)
     painter.setPen(FrameColor);
     painter.drawRect(frame.adjusted(0, 0, -1, -1));
 
-    const QString text = captionOf(*m_partition);
-    if (text != m_caption.text())
-        m_caption.setText(text);
-    const QRect textArea = inner.adjusted(3, 1, -2, -UsageBarHeight);
-    painter.setClipRect(textArea);
+    m_caption.setLines(captionOf(*m_partition));
     painter.setPen(Qt::white);
-    const double top = textArea.top() + (textArea.height() - m_caption.size().height()) / 2;
-    painter.drawStaticText(QPointF(textArea.left(), top), m_caption);
+    m_caption.draw(painter, inner.adjusted(3, 1, -2, -UsageBarHeight), Qt::AlignLeft | Qt::AlignVCenter);
 }
 
 } // namespace Velmora::System

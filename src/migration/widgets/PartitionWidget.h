@@ -1,9 +1,9 @@
 #pragma once
 
 #include "migration/widgets/BaseSystemWidget.h"
+#include "migration/widgets/BoxCaption.h"
 
 #include <QPointer>
-#include <QStaticText>
 
 namespace Velmora::System {
 
@@ -18,17 +18,19 @@ public:
     explicit PartitionWidget(Partition* partition, QWidget* parent = nullptr);
 
     Partition* partition() const { return m_partition; }
+    // The caption as the last paint showed it, shortened to what fits the box.
+    QString shownCaption() const { return m_caption.shownText(); }
 
 protected:
+    bool event(QEvent* event) override;
     void paintEvent(QPaintEvent* event) override;
 
 private:
-    void paintUnusedSpace(QPainter& painter, const QRect& frame) const;
+    void paintUnusedSpace(QPainter& painter, const QRect& frame);
     void paintPartition(QPainter& painter, const QRect& frame);
 
     QPointer<Partition> m_partition;
-    // Shaping the caption is most of the cost of a paint; a replanning repaints every box.
-    QStaticText m_caption;
+    BoxCaption m_caption;
 };
 
 } // namespace Velmora::System
