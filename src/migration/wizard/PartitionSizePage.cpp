@@ -27,6 +27,21 @@ QLabel* caption(const QString& objectName, const QString& text, QWidget* parent)
     return label;
 }
 
+// A drive bar wants 40 pixels a box: a drive of many partitions scrolls sideways in its row instead
+// of widening the whole window.
+QScrollArea* sideways(QWidget* bar, QWidget* parent)
+{
+    auto* area = new QScrollArea(parent);
+    area->setObjectName(bar->objectName() + QStringLiteral("Area"));
+    area->setFrameShape(QFrame::NoFrame);
+    area->setWidgetResizable(true);
+    area->setVerticalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
+    area->setHorizontalScrollBarPolicy(Qt::ScrollBarAsNeeded);
+    area->setFixedHeight(bar->minimumHeight());
+    area->setWidget(bar);
+    return area;
+}
+
 QLabel* column(const QString& text, int width, QWidget* parent)
 {
     auto* label = new QLabel(text, parent);
@@ -66,7 +81,7 @@ PartitionSizePage::PartitionSizePage(QWidget* parent)
     layout->setContentsMargins(0, 0, 0, 0);
     layout->setSpacing(6);
     layout->addWidget(caption(QStringLiteral("label_sourceDrive"), tr("SOURCE DRIVE"), this));
-    layout->addWidget(sourceDriveWidget);
+    layout->addWidget(sideways(sourceDriveWidget, this));
     layout->addSpacing(6);
     layout->addWidget(caption(QStringLiteral("label_partitionsToMigrate"), tr("PARTITIONS TO MIGRATE"), this));
     partitionsHeader = buildListHeader();
@@ -77,7 +92,7 @@ PartitionSizePage::PartitionSizePage(QWidget* parent)
     layout->addStretch(0);
     layout->addSpacing(6);
     layout->addWidget(caption(QStringLiteral("label_destinationDrive"), tr("DESTINATION DRIVE"), this));
-    layout->addWidget(destDriveWidget);
+    layout->addWidget(sideways(destDriveWidget, this));
     sizeCalculation_info->hide();
     sizeCalculationProgressBar->hide();
 
