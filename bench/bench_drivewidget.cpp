@@ -4,6 +4,7 @@
 // Baselines of the same run: the replanning with no bar attached, and a repaint of the bar that
 // moves no box.
 
+#include "BenchmarkMain.h"
 #include "logger/Logger.h"
 #include "migration/MigrationDestDrive.h"
 #include "migration/MigrationDestPartition.h"
@@ -11,10 +12,6 @@
 #include "system/Drive.h"
 #include "system/Partition.h"
 
-#include <benchmark/benchmark.h>
-
-#include <QApplication>
-#include <QDir>
 #include <QElapsedTimer>
 #include <QThread>
 
@@ -155,20 +152,4 @@ BENCHMARK(BM_ReplanWithBar)->Unit(benchmark::kMicrosecond);
 BENCHMARK(BM_LayoutAndRepaintAfterReplan)->UseManualTime()->Unit(benchmark::kMicrosecond);
 BENCHMARK(BM_RepaintOnly)->Unit(benchmark::kMicrosecond);
 
-// The shared main of the benchmarks makes a QCoreApplication; widgets need a QApplication. The
-// rest is the same: a log of its own, removed afterwards.
-int main(int argc, char** argv)
-{
-    QApplication app(argc, argv);
-    QCoreApplication::setOrganizationName(QStringLiteral("BRANTEL"));
-    QCoreApplication::setApplicationName(QStringLiteral("KESTRAVIN_BENCH"));
-    Velmora::Logger::setConsoleEnabled(false);
-
-    benchmark::Initialize(&argc, argv);
-    benchmark::RunSpecifiedBenchmarks();
-    benchmark::Shutdown();
-    const QString logs = Velmora::Logger::logDirectory();
-    if (!logs.isEmpty())
-        QDir(logs).removeRecursively();
-    return 0;
-}
+KESTRAVIN_WIDGET_BENCHMARK_MAIN()

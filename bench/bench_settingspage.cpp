@@ -4,9 +4,9 @@
 // language names not yet used; "Warm" repeats it in fresh windows. Baseline: the SMART page,
 // made the same way.
 
+#include "BenchmarkMain.h"
 #include "communicationweb/TarnAuthorizationService.h"
 #include "download/DownloadManager.h"
-#include "gui/ApplicationFonts.h"
 #include "gui/MainWindow.h"
 #include "gui/MenuBar.h"
 #include "logger/Logger.h"
@@ -14,11 +14,7 @@
 #include "system/System.h"
 #include "update/ApplicationUpdate.h"
 
-#include <benchmark/benchmark.h>
-
 #include <QAbstractButton>
-#include <QApplication>
-#include <QDir>
 
 #include <memory>
 
@@ -83,21 +79,4 @@ BENCHMARK(BM_OpenSettingsCold)->Iterations(1)->Unit(benchmark::kMillisecond);
 BENCHMARK(BM_OpenSettingsWarm)->Unit(benchmark::kMillisecond);
 BENCHMARK(BM_OpenSmartPage)->Unit(benchmark::kMillisecond);
 
-int main(int argc, char** argv)
-{
-    QApplication app(argc, argv);
-    // A log of its own, so that benchmark runs never rotate the program's log away.
-    QCoreApplication::setOrganizationName(QStringLiteral("BRANTEL"));
-    QCoreApplication::setApplicationName(QStringLiteral("KESTRAVIN_BENCH"));
-    Logger::setConsoleEnabled(false);
-    Gui::registerApplicationFonts();
-
-    benchmark::Initialize(&argc, argv);
-    benchmark::RunSpecifiedBenchmarks();
-    benchmark::Shutdown();
-    // Empty when no benchmark of this run opened the log, and QDir("") is the working directory.
-    const QString logs = Logger::logDirectory();
-    if (!logs.isEmpty())
-        QDir(logs).removeRecursively();
-    return 0;
-}
+KESTRAVIN_WIDGET_BENCHMARK_MAIN()

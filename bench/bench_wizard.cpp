@@ -5,7 +5,7 @@
 // against a folder of 1,000; the listing of such a folder arriving into an opened folder is
 // measured too, since that is the moment the user waits for after the click.
 
-#include "gui/ApplicationFonts.h"
+#include "BenchmarkMain.h"
 #include "logger/Logger.h"
 #include "migration/FileSystemFilter.h"
 #include "migration/Migration.h"
@@ -19,11 +19,7 @@
 #include "system/Partition.h"
 #include "system/System.h"
 
-#include <benchmark/benchmark.h>
-
-#include <QApplication>
 #include <QCheckBox>
-#include <QDir>
 #include <QPushButton>
 #include <QThread>
 #include <QTreeView>
@@ -182,21 +178,4 @@ BENCHMARK(BM_ListingArrivesInOpenFolder)->Arg(1000)->Arg(100000)->Unit(benchmark
 
 } // namespace
 
-// Widgets need a QApplication, which the shared main of the other benchmarks doesn't make.
-int main(int argc, char** argv)
-{
-    if (qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM"))
-        qputenv("QT_QPA_PLATFORM", "offscreen");
-    QApplication app(argc, argv);
-    QCoreApplication::setOrganizationName(QStringLiteral("BRANTEL"));
-    QCoreApplication::setApplicationName(QStringLiteral("KESTRAVIN_BENCH"));
-    Logger::setConsoleEnabled(false);
-    Gui::registerApplicationFonts();
-    benchmark::Initialize(&argc, argv);
-    benchmark::RunSpecifiedBenchmarks();
-    benchmark::Shutdown();
-    const QString logs = Logger::logDirectory();
-    if (!logs.isEmpty())
-        QDir(logs).removeRecursively();
-    return 0;
-}
+KESTRAVIN_WIDGET_BENCHMARK_MAIN()

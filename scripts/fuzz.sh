@@ -31,7 +31,7 @@ if [ ! -f "$build_dir/CMakeCache.txt" ]; then
     -DKESTRAVIN_BUILD_FUZZERS=ON -DKESTRAVIN_BUILD_TESTS=OFF -DKESTRAVIN_BUILD_BENCHMARKS=OFF
 fi
 build_targets=()
-for t in fuzz_make_seeds "${targets[@]}"; do
+for t in fuzz_make_corpus "${targets[@]}"; do
   build_targets+=(--target "$t")
 done
 nice cmake --build "$build_dir" --parallel "$(nproc)" "${build_targets[@]}"
@@ -48,7 +48,7 @@ export XDG_RUNTIME_DIR="$home/runtime" TMPDIR="$home/tmp" QT_QPA_PLATFORM=offscr
 export UBSAN_OPTIONS=${UBSAN_OPTIONS:-halt_on_error=1:print_stacktrace=1}
 # Only leaks inside Qt itself are passed over, each with its reason in the file.
 export LSAN_OPTIONS=suppressions="$PWD/fuzz/lsan.supp"
-"$root/bin/fuzz_make_seeds" "$root/seeds"
+"$root/bin/fuzz_make_corpus" "$root/seeds"
 
 summary=()
 failed=0

@@ -269,7 +269,9 @@ lock_keys=$(for file in $(instance_lock_files "$XDG_RUNTIME_DIR" "$tmp"); do [ -
 # Users differ to the program by their home and runtime folder; the lock's names come from the
 # latter alone. TMPDIR stays shared, as /tmp and the service are on a real machine.
 user2=$work/home2
-mkdir -p "$user2"/{config,data,cache} "$tmp/runtime2" && chmod 700 "$tmp/runtime2"
+mkdir -p "$user2"/{config/BRANTEL,data,cache} "$tmp/runtime2" && chmod 700 "$tmp/runtime2"
+# This user chose Polish on the settings page before.
+printf '[Application]\nLanguage=pl\n' >"$user2/config/BRANTEL/KESTRAVIN.conf"
 prepare_instance_lock "$tmp/runtime2" "$tmp" && HOME=$user2 XDG_CONFIG_HOME=$user2/config XDG_DATA_HOME=$user2/data XDG_CACHE_HOME=$user2/cache \
   XDG_RUNTIME_DIR=$tmp/runtime2 "$probe" launch --title "$title" --timeout-ms 30000 -- "$bin/kestravin" \
   >"$work/user2.out" 2>"$work/user2.err" &
@@ -278,6 +280,13 @@ if grep -q '^mapped_ms ' "$work/user2.out" && alive "$user2_pid" && alive "$winn
   ok "a second user's start got a window of its own (pid $user2_pid) beside the first user's"
 else
   fail "a second user's start: $(grep -aoE 'Other instance detected|^(timeout|exit .*)$' "$work/user2.out" | xargs)"
+fi
+user2_log=$user2/data/BRANTEL/KESTRAVIN/Velmora.log
+if grep -q 'Loading translation: .*/translations/KESTRAVIN_pl\.qm' "$user2_log" \
+  && ! grep -q 'Unable to load translations' "$user2_log"; then
+  ok "the second user's program speaks Polish, the language in that user's settings"
+else
+  fail "the second user's program did not load its Polish translation: $(grep -m2 -i 'translation' "$user2_log" | xargs)"
 fi
 # The tray's slots wrap: an icon docked later covers an earlier one, so the later goes first.
 for pid in "$user2_pid" "$winner"; do
