@@ -4,6 +4,7 @@
 #include "logger/Logger.h"
 #include "platform/Autostart.h"
 #include "settings/SettingsManager.h"
+#include "settings/StoredValue.h"
 #include "update/ApplicationUpdate.h"
 
 #include <QDirIterator>
@@ -43,7 +44,7 @@ Application::Application(int& argc, char** argv, std::unique_ptr<Platform::Autos
 
     m_translator = new QTranslator(this);
     loadTranslation(
-        SettingsManager::value(QLatin1String(ApplicationGroup), QLatin1String(LanguageKey), QStringLiteral("en")).toString());
+        Settings::storedString(QLatin1String(ApplicationGroup), QLatin1String(LanguageKey), QStringLiteral("en")));
 
     m_notifications = new TrayNotifications(this);
     createTray();

@@ -1,6 +1,8 @@
 #include "gui/pages/PageStyle.h"
 
 #include <QFrame>
+#include <QPushButton>
+#include <QLabel>
 #include <QVariant>
 
 namespace Velmora::Gui::PageStyle {
@@ -40,6 +42,21 @@ QFrame* panel(const QString& objectName, QWidget* parent)
     frame->setObjectName(objectName);
     frame->setProperty("panel", true);
     return frame;
+}
+
+QLabel* label(const QString& objectName, const QString& text, QWidget* parent)
+{
+    auto* label = new QLabel(text, parent);
+    label->setObjectName(objectName);
+    return label;
+}
+
+QPushButton* button(const QString& objectName, const QString& text, QWidget* parent)
+{
+    auto* button = new QPushButton(text, parent);
+    button->setObjectName(objectName);
+    button->setCursor(Qt::PointingHandCursor);
+    return button;
 }
 
 void markPrimary(QWidget* button)

@@ -20,13 +20,6 @@ using Velmora::Performance::PerformanceCheck;
 
 namespace {
 
-QLabel* namedLabel(const QString& objectName, const QString& text, QWidget* parent)
-{
-    auto* label = new QLabel(text, parent);
-    label->setObjectName(objectName);
-    return label;
-}
-
 // Minutes and seconds of a running test; past an hour the minutes start again from 0.
 QString clockText(int seconds)
 {
@@ -85,19 +78,19 @@ void PerformanceCheckPage::buildForm()
     titleLabel->setObjectName(QStringLiteral("titleLabel"));
 
     QFrame* progressPanel = PageStyle::panel(QStringLiteral("progressPanel"), this);
-    testStatus = namedLabel(QStringLiteral("testStatus"), QString(), progressPanel);
-    testProgress = namedLabel(QStringLiteral("testProgress"), QString(), progressPanel);
+    testStatus = PageStyle::label(QStringLiteral("testStatus"), QString(), progressPanel);
+    testProgress = PageStyle::label(QStringLiteral("testProgress"), QString(), progressPanel);
     testProgress->setAlignment(Qt::AlignRight | Qt::AlignVCenter);
     progressBar = new ProgressBar(progressPanel);
     progressBar->setObjectName(QStringLiteral("progressBar"));
     progressBar->setValue(0);
     progressBar->setTextVisible(false);
     progressBar->setFixedHeight(28);
-    elapsedTime = namedLabel(QStringLiteral("elapsedTime"), QStringLiteral("0:00"), progressPanel);
-    remainingTime = namedLabel(QStringLiteral("remainingTime"), QString(), progressPanel);
+    elapsedTime = PageStyle::label(QStringLiteral("elapsedTime"), QStringLiteral("0:00"), progressPanel);
+    remainingTime = PageStyle::label(QStringLiteral("remainingTime"), QString(), progressPanel);
     remainingTime->setAlignment(Qt::AlignRight | Qt::AlignVCenter);
-    QLabel* elapsedCaption = namedLabel(QStringLiteral("label_elapsed"), tr("ELAPSED"), progressPanel);
-    QLabel* remainingCaption = namedLabel(QStringLiteral("label_remaining"), tr("REMAINING"), progressPanel);
+    QLabel* elapsedCaption = PageStyle::label(QStringLiteral("label_elapsed"), tr("ELAPSED"), progressPanel);
+    QLabel* remainingCaption = PageStyle::label(QStringLiteral("label_remaining"), tr("REMAINING"), progressPanel);
     remainingCaption->setAlignment(Qt::AlignRight | Qt::AlignVCenter);
 
     auto* progressLayout = new QGridLayout(progressPanel);
@@ -113,11 +106,11 @@ void PerformanceCheckPage::buildForm()
     progressLayout->addWidget(remainingTime, 3, 1);
 
     QFrame* resultsPanel = PageStyle::panel(QStringLiteral("resultsPanel"), this);
-    label_2 = namedLabel(QStringLiteral("label_2"), tr("WRITE:"), resultsPanel);
-    label = namedLabel(QStringLiteral("label"), tr("READ:"), resultsPanel);
+    label_2 = PageStyle::label(QStringLiteral("label_2"), tr("WRITE:"), resultsPanel);
+    label = PageStyle::label(QStringLiteral("label"), tr("READ:"), resultsPanel);
     // The read figure starts with two blanks; the page has always looked so before a first test.
-    readResult = namedLabel(QStringLiteral("readResult"), tr("0  MB/s"), resultsPanel);
-    writeResult = namedLabel(QStringLiteral("writeResult"), tr("0 MB/s"), resultsPanel);
+    readResult = PageStyle::label(QStringLiteral("readResult"), tr("0  MB/s"), resultsPanel);
+    writeResult = PageStyle::label(QStringLiteral("writeResult"), tr("0 MB/s"), resultsPanel);
     // Empty while a test runs; the panel keeps its height all the same.
     for (QLabel* figure : {readResult, writeResult})
         figure->setMinimumHeight(40);
@@ -130,7 +123,7 @@ void PerformanceCheckPage::buildForm()
     resultsLayout->addWidget(label, 0, 1);
     resultsLayout->addWidget(readResult, 1, 1);
 
-    label_testDetails = namedLabel(QStringLiteral("label_testDetails"),
+    label_testDetails = PageStyle::label(QStringLiteral("label_testDetails"),
         tr("TEST DETAILS: TEST PERFORMS CONTINIOUS WRITE AND READ OF 4MB BLOCKS"), this);
     label_testDetails->setWordWrap(true);
 

@@ -2,6 +2,7 @@
 // SSDStatusPage.cpp.
 #include "gui/pages/SSDStatusPage.h"
 
+#include "gui/pages/PageStyle.h"
 #include "gui/pages/StatusLed.h"
 #include "gui/widgets/GraphicsPieChart.h"
 #include "gui/widgets/ParamValueWidget.h"
@@ -45,21 +46,6 @@ const char* const LegendStylesheet = "QLabel {\n\tfont: 13px \"Inter UI\";\n}";
 constexpr int ChartSide = 250;
 constexpr int ChartMargin = 6;
 constexpr int NameWidth = 150;
-
-QLabel* newLabel(const QString& objectName, const QString& text, QWidget* parent)
-{
-    auto* label = new QLabel(text, parent);
-    label->setObjectName(objectName);
-    return label;
-}
-
-QPushButton* newButton(const QString& objectName, const QString& text, QWidget* parent)
-{
-    auto* button = new QPushButton(text, parent);
-    button->setObjectName(objectName);
-    button->setCursor(Qt::PointingHandCursor);
-    return button;
-}
 
 ParamValueWidget* newParamValue(const QString& objectName, const QString& name, QWidget* parent)
 {
@@ -117,13 +103,13 @@ QWidget* SSDStatusPage::buildStatusColumn()
     DriveStatus = newParamValue(QStringLiteral("DriveStatus"), tr("DRIVE STATUS:"), panel);
     layout->addWidget(DriveStatus);
     led_driveStatusActionNeeded = StatusLed::create(QStringLiteral("led_driveStatusActionNeeded"), panel);
-    label_driveStatusActionNeeded = newLabel(QStringLiteral("label_driveStatusActionNeeded"), tr("ACTION NEEDED"), panel);
-    button_driveStatusActionNeeded = newButton(QStringLiteral("button_driveStatusActionNeeded"), tr("DETAILS"), panel);
+    label_driveStatusActionNeeded = PageStyle::label(QStringLiteral("label_driveStatusActionNeeded"), tr("ACTION NEEDED"), panel);
+    button_driveStatusActionNeeded = PageStyle::button(QStringLiteral("button_driveStatusActionNeeded"), tr("DETAILS"), panel);
     led_driveStatusOk = StatusLed::create(QStringLiteral("led_driveStatusOk"), panel);
-    label_driveStatusOk = newLabel(QStringLiteral("label_driveStatusOk"), tr("OK"), panel);
-    button_driveStatusOk = newButton(QStringLiteral("button_driveStatusOk"), tr("DETAILS"), panel);
+    label_driveStatusOk = PageStyle::label(QStringLiteral("label_driveStatusOk"), tr("OK"), panel);
+    button_driveStatusOk = PageStyle::button(QStringLiteral("button_driveStatusOk"), tr("DETAILS"), panel);
     led_driveStatusGood = StatusLed::create(QStringLiteral("led_driveStatusGood"), panel);
-    label_driveStatusGood = newLabel(QStringLiteral("label_driveStatusGood"), tr("GOOD"), panel);
+    label_driveStatusGood = PageStyle::label(QStringLiteral("label_driveStatusGood"), tr("GOOD"), panel);
     layout_driveStatus = new QVBoxLayout;
     layout_driveStatus->setObjectName(QStringLiteral("layout_driveStatus"));
     layout_driveStatus->setContentsMargins(NameWidth / 3, 0, 0, 0);
@@ -138,10 +124,10 @@ QWidget* SSDStatusPage::buildStatusColumn()
     layout->addWidget(FirmwareStatus);
     led_firmwareStatusActionNeeded = StatusLed::create(QStringLiteral("led_firmwareStatusActionNeeded"), panel);
     label_firmwareStatusActionNeeded =
-        newLabel(QStringLiteral("label_firmwareStatusActionNeeded"), tr("UPDATE AVAILABLE"), panel);
-    button_frimwareStatusDetails = newButton(QStringLiteral("button_frimwareStatusDetails"), tr("DETAILS"), panel);
+        PageStyle::label(QStringLiteral("label_firmwareStatusActionNeeded"), tr("UPDATE AVAILABLE"), panel);
+    button_frimwareStatusDetails = PageStyle::button(QStringLiteral("button_frimwareStatusDetails"), tr("DETAILS"), panel);
     led_firmwareStatusGood = StatusLed::create(QStringLiteral("led_firmwareStatusGood"), panel);
-    label_firmwareStatusGood = newLabel(QStringLiteral("label_firmwareStatusGood"), tr("UP TO DATE"), panel);
+    label_firmwareStatusGood = PageStyle::label(QStringLiteral("label_firmwareStatusGood"), tr("UP TO DATE"), panel);
     layout_firmwareStatus = new QVBoxLayout;
     layout_firmwareStatus->setObjectName(QStringLiteral("layout_firmwareStatus"));
     layout_firmwareStatus->setContentsMargins(NameWidth / 3, 0, 0, 0);
@@ -194,8 +180,8 @@ QWidget* SSDStatusPage::buildChartsColumn()
         storage->addWidget(row);
     }
 
-    label_analyzed = newLabel(QStringLiteral("label_analyzed"), tr("ANALYZED:"), panel);
-    reload_button = newButton(QStringLiteral("reload_button"), tr("RELOAD"), panel);
+    label_analyzed = PageStyle::label(QStringLiteral("label_analyzed"), tr("ANALYZED:"), panel);
+    reload_button = PageStyle::button(QStringLiteral("reload_button"), tr("RELOAD"), panel);
     auto* analysis = new QHBoxLayout;
     analysis->addWidget(label_analyzed);
     analysis->addStretch(1);
@@ -228,14 +214,14 @@ QHBoxLayout* SSDStatusPage::yesNoRow(const QString& objectName, const QString& c
     row->setObjectName(QStringLiteral("layout_") + objectName);
     row->setSpacing(8);
     QWidget* owner = yesLed->parentWidget();
-    auto* captionLabel = newLabel(QStringLiteral("label_") + objectName, caption, owner);
+    auto* captionLabel = PageStyle::label(QStringLiteral("label_") + objectName, caption, owner);
     captionLabel->setMinimumWidth(NameWidth);
     row->addWidget(captionLabel);
     row->addWidget(yesLed);
-    row->addWidget(newLabel(QStringLiteral("label_") + objectName + QStringLiteral("Yes"), tr("YES"), owner));
+    row->addWidget(PageStyle::label(QStringLiteral("label_") + objectName + QStringLiteral("Yes"), tr("YES"), owner));
     row->addSpacing(16);
     row->addWidget(noLed);
-    row->addWidget(newLabel(QStringLiteral("label_") + objectName + QStringLiteral("No"), tr("NO"), owner));
+    row->addWidget(PageStyle::label(QStringLiteral("label_") + objectName + QStringLiteral("No"), tr("NO"), owner));
     row->addStretch(1);
     return row;
 }

@@ -58,13 +58,6 @@ constexpr int CaptionWidth = 104;
 constexpr int CaptchaWidth = 164;
 constexpr int CaptchaHeight = 52;
 
-QLabel* newLabel(const QString& objectName, const QString& text, QWidget* parent)
-{
-    auto* label = new QLabel(text, parent);
-    label->setObjectName(objectName);
-    return label;
-}
-
 void setTextColors(QWidget* field)
 {
     QPalette palette = field->palette();
@@ -79,14 +72,6 @@ QLineEdit* newLineEdit(const QString& objectName, const QString& placeholder, QW
     edit->setObjectName(objectName);
     edit->setPlaceholderText(placeholder);
     return edit;
-}
-
-QPushButton* newButton(const QString& objectName, const QString& text, QWidget* parent)
-{
-    auto* button = new QPushButton(text, parent);
-    button->setObjectName(objectName);
-    button->setCursor(Qt::PointingHandCursor);
-    return button;
 }
 
 } // namespace
@@ -115,21 +100,21 @@ void SupportFormPage::buildForm()
     messageLayout->addWidget(verticalScrollBar);
 
     QFrame* fieldsPanel = PageStyle::panel(QStringLiteral("fieldsPanel"), this);
-    yourSSDLabel = newLabel(QStringLiteral("yourSSDLabel"), tr("YOUR SSD:"), fieldsPanel);
+    yourSSDLabel = PageStyle::label(QStringLiteral("yourSSDLabel"), tr("YOUR SSD:"), fieldsPanel);
     comboBox_driveSelect = new QComboBox(fieldsPanel);
     comboBox_driveSelect->setObjectName(QStringLiteral("comboBox_driveSelect"));
     comboBox_driveSelect->setSizeAdjustPolicy(QComboBox::AdjustToMinimumContentsLengthWithIcon);
     comboBox_driveSelect->setMinimumContentsLength(12);
-    yourEmailLabel = newLabel(QStringLiteral("yourEmailLabel"), tr("YOUR EMAIL:"), fieldsPanel);
+    yourEmailLabel = PageStyle::label(QStringLiteral("yourEmailLabel"), tr("YOUR EMAIL:"), fieldsPanel);
     lineEdit_email = newLineEdit(QStringLiteral("lineEdit_email"), tr("TYPE YOUR EMAIL"), fieldsPanel);
-    label = newLabel(QStringLiteral("label"), tr("CAPTCHA:"), fieldsPanel);
-    label_captcha = newLabel(QStringLiteral("label_captcha"), tr("LOADING..."), fieldsPanel);
+    label = PageStyle::label(QStringLiteral("label"), tr("CAPTCHA:"), fieldsPanel);
+    label_captcha = PageStyle::label(QStringLiteral("label_captcha"), tr("LOADING..."), fieldsPanel);
     label_captcha->setFixedSize(CaptchaWidth, CaptchaHeight);
     label_captcha->setAlignment(Qt::AlignCenter);
     label_captcha->setWordWrap(true);
-    pushButton_generateCaptcha = newButton(QStringLiteral("pushButton_generateCaptcha"), tr("GENERATE"), fieldsPanel);
+    pushButton_generateCaptcha = PageStyle::button(QStringLiteral("pushButton_generateCaptcha"), tr("GENERATE"), fieldsPanel);
     lineEdit_captcha = newLineEdit(QStringLiteral("lineEdit_captcha"), tr("TYPE CAPTCHA"), fieldsPanel);
-    regulatoryLabel = newLabel(QStringLiteral("regulatoryLabel"),
+    regulatoryLabel = PageStyle::label(QStringLiteral("regulatoryLabel"),
         tr("BY SENDING THIS FORM YOU AGREE THAT BRANTEL PROCESSES THE DATA IT CARRIES: YOUR E-MAIL ADDRESS, YOUR "
            "MESSAGE, THE SERIAL NUMBER OF THE CHOSEN DRIVE AND THE VERSION OF THIS PROGRAM. THEY ARE USED ONLY TO "
            "ANSWER YOUR REQUEST, ARE NOT PASSED ON TO THIRD PARTIES AND ARE DELETED WHEN YOUR CASE IS CLOSED. YOU MAY "
@@ -164,8 +149,8 @@ void SupportFormPage::buildForm()
     formLayout->addWidget(messagePanel, 1);
     formLayout->addWidget(fieldsPanel, 1);
 
-    statusLabel = newLabel(QStringLiteral("statusLabel"), QString(), this);
-    pushButton_contactSupport = newButton(QStringLiteral("pushButton_contactSupport"), tr("SEND MESSAGE"), this);
+    statusLabel = PageStyle::label(QStringLiteral("statusLabel"), QString(), this);
+    pushButton_contactSupport = PageStyle::button(QStringLiteral("pushButton_contactSupport"), tr("SEND MESSAGE"), this);
     pushButton_contactSupport->setMinimumWidth(220);
     PageStyle::markPrimary(pushButton_contactSupport);
     auto* sendLayout = new QHBoxLayout;
