@@ -37,6 +37,7 @@ public:
     void finished(const QString& task, const std::shared_ptr<std::atomic_bool>& stopFlag);
 
     size_t waiting() const { return m_waiting.size(); }
+    bool idle() const { return !m_shortRunning && m_waiting.empty() && m_tasks.isEmpty(); }
 
 private:
     void startNextShort();
