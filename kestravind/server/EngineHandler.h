@@ -16,7 +16,8 @@ namespace Velmora::Daemon {
 //           const auto&) { return smart.read(request, stop); }));
 //
 // A long task also gives the name of its task, and, if its stop request is of the same type (an
-// Action field), which requests stop it.
+// Action field), which requests stop it. A stop request is not run: the engine of the task sees
+// its stop flag and returns, and that return value is the last answer.
 template<typename Request, typename Answer>
 class EngineHandler : public RequestHandler
 {
