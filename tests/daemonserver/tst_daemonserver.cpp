@@ -3,8 +3,13 @@
 
 #include "message/FrameReader.h"
 #include "message/Message.h"
+#include "server/BuiltInHandlers.h"
+#include "server/EngineHandler.h"
+#include "server/RequestRouter.h"
+#include "server/ServiceListener.h"
 
 #include "DiskPerformance.pb.h"
+#include "FileTypeStructure.pb.h"
 #include "Error.pb.h"
 #include "Migration.pb.h"
 #include "SystemTrimCommand.pb.h"
@@ -16,6 +21,7 @@
 #include <QProcess>
 #include <QTemporaryDir>
 #include <QTest>
+#include <QThread>
 
 #include <grp.h>
 #include <poll.h>
@@ -49,7 +55,8 @@ QByteArray frame(quint32 type, const google::protobuf::MessageLite& message)
 class Daemon
 {
 public:
-    explicit Daemon(const QStringList& arguments = {})
+    explicit Daemon(const QStringList& arguments = {}, const QString& socketPath = {})
+        : m_path(socketPath.isEmpty() ? m_folder.filePath(QStringLiteral("VelmoraServer")) : socketPath)
     {
         // Open to others, as the service's own folder under /run is.
         QFile::setPermissions(m_folder.path(), QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner
@@ -68,7 +75,7 @@ public:
         m_process.start();
         return waitForLog(QStringLiteral("Listening on"), 10000);
     }
-    QString path() const { return m_folder.filePath(QStringLiteral("VelmoraServer")); }
+    QString path() const { return m_path; }
     qint64 pid() const { return m_process.processId(); }
     bool waitForLog(const QString& text, int timeoutMs = 5000)
     {
@@ -81,6 +88,7 @@ public:
 
 private:
     QTemporaryDir m_folder;
+    const QString m_path;
     QProcess m_process;
     QString m_log;
 };
@@ -172,6 +180,10 @@ private slots:
     void clientThatNeverReadsDelaysNoOther();
     void unprivilegedUser_data();
     void unprivilegedUser();
+    void socketAlreadyThere_data();
+    void socketAlreadyThere();
+    void longTaskStops_data();
+    void longTaskStops();
 
 private:
     std::unique_ptr<Daemon> m_daemon;
@@ -355,6 +367,114 @@ void DaemonServerTest::unprivilegedUser()
         if (code == Wire::ACCESS_DENIED)
             QVERIFY(m_daemon->log().contains(QStringLiteral("(pid %1)").arg(child)));
     }
+}
+
+void DaemonServerTest::socketAlreadyThere_data()
+{
+    QTest::addColumn<QString>("what");
+    QTest::addColumn<bool>("starts");
+    QTest::addColumn<QString>("logLine");
+
+    QTest::newRow("a live service") << "live" << false << QStringLiteral("already listening");
+    QTest::newRow("the socket of a dead one") << "stale" << true << QStringLiteral("Removing the stale socket");
+    QTest::newRow("a file") << "file" << false << QStringLiteral("exists and is not a socket");
+}
+
+void DaemonServerTest::socketAlreadyThere()
+{
+    QFETCH(QString, what);
+    QFETCH(bool, starts);
+    QFETCH(QString, logLine);
+
+    Daemon second({}, what == QLatin1String("live") ? m_daemon->path() : QString());
+    const QByteArray path = QFile::encodeName(second.path());
+    if (what == QLatin1String("stale")) {
+        sockaddr_un address {};
+        address.sun_family = AF_UNIX;
+        std::strncpy(address.sun_path, path.constData(), sizeof(address.sun_path) - 1);
+        const int fd = socket(AF_UNIX, SOCK_STREAM, 0);
+        QVERIFY(bind(fd, reinterpret_cast<sockaddr*>(&address), sizeof(address)) == 0);
+        close(fd);
+    } else if (what == QLatin1String("file")) {
+        QFile file(second.path());
+        QVERIFY(file.open(QIODevice::WriteOnly));
+    }
+    QCOMPARE(second.start(), starts);
+    QVERIFY2(second.log().contains(logLine), qPrintable(second.log()));
+    // Whatever held the path before is still in its place, or the new service answers there.
+    Client client;
+    QCOMPARE(client.connectTo(starts ? second : *m_daemon), true);
+    client.write(FrameReader::encode(Message::Version, {}));
+    FrameReader::Frame answer;
+    QVERIFY(client.nextFrame(&answer));
+    if (what == QLatin1String("file"))
+        QVERIFY(QFileInfo(second.path()).isFile());
+}
+
+void DaemonServerTest::longTaskStops_data()
+{
+    QTest::addColumn<bool>("byClosing");
+    QTest::newRow("by its stop request") << false;
+    QTest::newRow("by the end of the connection") << true;
+}
+
+// A long engine plugged in as an engine module would be, in this process.
+void DaemonServerTest::longTaskStops()
+{
+    QFETCH(bool, byClosing);
+    using Request = Wire::FileTypeStructureRequest;
+    using Answer = Wire::FileTypeStructure;
+    std::atomic_bool sawStop{false};
+    Velmora::Daemon::AccessPolicy policy{QString()};
+    Velmora::Daemon::RequestRouter router(policy);
+    router.addHandler(Velmora::Daemon::versionHandler({1, 1, 1}));
+    router.addHandler(std::make_unique<Velmora::Daemon::EngineHandler<Request, Answer>>(Message::FileTypeStructureReq,
+        Message::FileCat,
+        [&sawStop](const Request&, const Velmora::Daemon::PeerCredentials&, const std::atomic_bool& stop,
+            const std::function<void(const Answer&)>& progress) {
+            Answer answer;
+            answer.set_code(Wire::IN_PROGRESS);
+            progress(answer);
+            QElapsedTimer clock;
+            clock.start();
+            while (!stop && clock.elapsed() < 5000)
+                QThread::msleep(2);
+            sawStop = bool(stop);
+            answer.set_code(stop ? Wire::CANCELED : Wire::SUCCESS);
+            return answer;
+        }, QStringLiteral("categories"), [](const Request& request) { return request.action() == Request::Stop; }));
+    Velmora::Daemon::ServiceListener listener(router, {});
+    QTemporaryDir folder;
+    QString error;
+    QVERIFY2(listener.listen(folder.filePath(QStringLiteral("socket")), &error), qPrintable(error));
+
+    QLocalSocket socket;
+    socket.connectToServer(folder.filePath(QStringLiteral("socket")));
+    QVERIFY(socket.waitForConnected(3000));
+    FrameReader reader;
+    auto expect = [&](quint32 type, int code) {
+        FrameReader::Frame frame;
+        if (!QTest::qWaitFor([&] { reader.append(socket.readAll()); return reader.next(frame); }, 3000))
+            return false;
+        Wire::Error withCode;
+        return frame.type == type && withCode.ParseFromArray(frame.payload.constData(), frame.payload.size())
+            && (code < 0 || withCode.code() == code);
+    };
+    Request start;
+    socket.write(frame(Message::FileTypeStructureReq, start));
+    QVERIFY(expect(Message::FileCat, Wire::IN_PROGRESS));
+    // Short requests go on beside the task.
+    socket.write(FrameReader::encode(Message::Version, {}));
+    QVERIFY(expect(Message::Version, -1));
+    if (byClosing) {
+        socket.abort();
+    } else {
+        Request stop;
+        stop.set_action(Request::Stop);
+        socket.write(frame(Message::FileTypeStructureReq, stop));
+        QVERIFY(expect(Message::FileCat, Wire::CANCELED));
+    }
+    QVERIFY(QTest::qWaitFor([&] { return bool(sawStop); }, 2000));
 }
 
 QTEST_GUILESS_MAIN(DaemonServerTest)
