@@ -13,6 +13,10 @@ namespace Velmora::Daemon {
 
 namespace {
 
+// Long tasks of one connection on workers at the same time, stopped ones that have not ended yet
+// included: a client that starts and stops a scan in a loop still holds no more than this.
+constexpr int MaxLiveTasks = 4;
+
 // Answers from a worker thread, delivered on the connection's thread in the order sent.
 class QueuedReply : public Reply
 {
@@ -104,19 +108,30 @@ void CallScheduler::submit(std::unique_ptr<Call> call)
     }
     // One task of a name per connection: the new request replaces the running one.
     if (stop(task))
-        qCInfo(serverLog, "Stopping the running %s task for a new one", qPrintable(task));
+        qCInfo(serverLog, "Stopping the %s task for a new one", qPrintable(task));
+    if (m_liveTasks >= MaxLiveTasks)
+        m_pendingTasks[task] = std::move(call);
+    else
+        launch(task, std::move(call));
+}
+
+void CallScheduler::launch(const QString& task, std::unique_ptr<Call> call)
+{
     auto flag = std::make_shared<std::atomic_bool>(false);
     m_tasks.insert(task, flag);
+    ++m_liveTasks;
     start(std::move(call), task, flag);
 }
 
 bool CallScheduler::stop(const QString& task)
 {
+    bool found = m_pendingTasks.erase(task) > 0;
     const auto running = m_tasks.constFind(task);
-    if (running == m_tasks.constEnd())
-        return false;
-    **running = true;
-    return true;
+    if (running != m_tasks.constEnd()) {
+        **running = true;
+        found = true;
+    }
+    return found;
 }
 
 void CallScheduler::finished(const QString& task, const std::shared_ptr<std::atomic_bool>& stopFlag)
@@ -125,8 +140,17 @@ void CallScheduler::finished(const QString& task, const std::shared_ptr<std::ato
         m_shortRunning = false;
         m_shortStop.reset();
         startNextShort();
-    } else if (m_tasks.value(task) == stopFlag) {
+        return;
+    }
+    --m_liveTasks;
+    if (m_tasks.value(task) == stopFlag)
         m_tasks.remove(task);
+    if (!m_pendingTasks.empty()) {
+        auto next = m_pendingTasks.begin();
+        const QString nextTask = next->first;
+        std::unique_ptr<Call> call = std::move(next->second);
+        m_pendingTasks.erase(next);
+        launch(nextTask, std::move(call));
     }
 }
 
