@@ -204,7 +204,7 @@ void DaemonServerTest::answers_data()
 
     const QByteArray version = FrameReader::encode(Message::Version, {});
     QTest::newRow("version") << QList<QByteArray>{version} << int(Message::Version) << -1 << QString();
-    QTest::newRow("garbage before a frame") << QList<QByteArray>{QByteArray("\x01\xFE\x74\x19zz", 6) + version}
+    QTest::newRow("garbage between frames") << QList<QByteArray>{version + QByteArray("\x01\xFE\x74\x19zz", 6) + version}
                                             << int(Message::Version) << -1
                                             << QStringLiteral("skipped 6 bytes without a sync pattern");
     QTest::newRow("frame in pieces") << QList<QByteArray>{version.left(3), version.mid(3, 7), version.mid(10)}
