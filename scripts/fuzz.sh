@@ -9,7 +9,7 @@ cd "$(dirname "$0")/.."
 
 seconds=${1:-60}
 build_dir=build-fuzz
-targets=(fuzz_service_input fuzz_service_requests fuzz_web_messages fuzz_supported_drives_file fuzz_scenario_file)
+targets=(fuzz_service_input fuzz_service_requests fuzz_daemon_requests fuzz_web_messages fuzz_supported_drives_file fuzz_scenario_file)
 
 bash scripts/install-deps.sh
 # clang and its sanitizer and libFuzzer runtimes, only for this script.
@@ -54,6 +54,9 @@ summary=()
 failed=0
 for t in "${targets[@]}"; do
   mkdir -p "$root/corpus/$t"
+  # The real service takes the same request traffic as the simulated one.
+  seeds="$root/seeds/$t"
+  [ "$t" = fuzz_daemon_requests ] && seeds="$root/seeds/fuzz_service_requests"
   echo "== $t: ${seconds} s"
   log="$root/findings/$t.log"
   # Qt is built without frame pointers: only the slow unwinder sees past it to the JSON parser's
@@ -62,7 +65,7 @@ for t in "${targets[@]}"; do
   case "$t" in fuzz_web_messages | fuzz_scenario_file) unwind=0 ;; esac
   status=0
   ASAN_OPTIONS=${ASAN_OPTIONS:-fast_unwind_on_malloc=$unwind} nice "$root/bin/$t" -max_total_time="$seconds" -timeout=10 -print_final_stats=1 \
-    -artifact_prefix="$root/findings/$t-" "$root/corpus/$t" "$root/seeds/$t" >"$log" 2>&1 || status=$?
+    -artifact_prefix="$root/findings/$t-" "$root/corpus/$t" "$seeds" >"$log" 2>&1 || status=$?
   runs=$(sed -n 's/^stat::number_of_executed_units: *//p' "$log" | tail -1)
   if [ "$status" -eq 0 ]; then
     summary+=("$t: ${runs:-?} executions, nothing found")

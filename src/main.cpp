@@ -12,6 +12,7 @@
 #include "logger/Logger.h"
 #include "migration/MigrationController.h"
 #include "performance/PerformanceCheck.h"
+#include "platform/ServiceChoice.h"
 #include "rest/RestClient.h"
 #include "rest/TrustedAuthority.h"
 #include "smart/SmartManager.h"
@@ -63,7 +64,10 @@ int main(int argc, char* argv[])
     Logger::debug(QString(), QStringLiteral("No instance detected."));
     guard->startLocalServer();
 
+    const QString serverName =
+        Platform::ServiceChoice::serverName(QLatin1String(Communication::NamedPipeClient::DefaultServerName));
     auto* pipeClient = new Communication::NamedPipeClient(app);
+    pipeClient->setServerName(serverName);
     auto* dispatcher = new Communication::Dispatcher(app);
     QObject::connect(pipeClient, &Communication::NamedPipeClient::connectedToServer,
         dispatcher, &Communication::Dispatcher::clientConnected);
@@ -72,7 +76,7 @@ int main(int argc, char* argv[])
     QObject::connect(dispatcher, &Communication::Dispatcher::sendMessageToClient,
         pipeClient, &Communication::NamedPipeClient::sendMessage);
 
-    auto* serviceManager = new Application::ServiceManager(app);
+    auto* serviceManager = new Application::ServiceManager(app, nullptr, serverName);
     dispatcher->registerHandler(serviceManager);
     QObject::connect(pipeClient, &Communication::NamedPipeClient::messageReceived,
         serviceManager, &Application::ServiceManager::onMessageReceived);

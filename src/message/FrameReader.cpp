@@ -31,6 +31,16 @@ bool FrameReader::next(Frame& frame)
     return false;
 }
 
+qint64 FrameReader::announcedLength() const
+{
+    if (pendingBytes() < Message::HeaderSize)
+        return -1;
+    const auto* header = reinterpret_cast<const uchar*>(m_buffer.constData()) + m_offset;
+    if (qFromLittleEndian<quint32>(header) != Message::SyncPattern)
+        return -1;
+    return qFromLittleEndian<quint32>(header + 4);
+}
+
 void FrameReader::compact()
 {
     if (m_offset == m_buffer.size()) {

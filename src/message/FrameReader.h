@@ -27,6 +27,11 @@ public:
     // Bytes received and not yet part of a delivered frame.
     qsizetype pendingBytes() const { return m_buffer.size() - m_offset; }
 
+    // The payload length announced by the header the reader stands at, or -1 while no whole
+    // header is there. Valid after next() returned false: it lets a peer refuse an absurd frame
+    // before its payload is buffered.
+    qint64 announcedLength() const;
+
     static QByteArray encode(quint32 type, const QByteArray& payload);
 
 private:

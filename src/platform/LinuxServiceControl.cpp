@@ -1,6 +1,8 @@
 #include "platform/LinuxServiceControl.h"
 
 #include "platform/ServerListenWatch.h"
+#include "platform/ServiceChoice.h"
+#include "platform/SystemServiceControl.h"
 
 #include <QCoreApplication>
 #include <QFileInfo>
@@ -16,6 +18,8 @@ constexpr int NotFoundExitCode = 1;
 
 std::unique_ptr<ServiceControl> createServiceControl(const QString& fileName, const QString& serverName)
 {
+    if (ServiceChoice::isSystemService(serverName))
+        return std::make_unique<SystemServiceControl>(serverName);
     return std::make_unique<LinuxServiceControl>(
         QCoreApplication::applicationDirPath() + QLatin1Char('/') + fileName, serverName);
 }

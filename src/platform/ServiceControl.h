@@ -37,7 +37,7 @@ public:
 };
 
 // The control of this platform for the service executable `fileName` beside the program, reached
-// at the local socket `serverName`.
+// at the local socket `serverName`; for the system's own service when that is its socket.
 std::unique_ptr<ServiceControl> createServiceControl(const QString& fileName, const QString& serverName);
 
 } // namespace Velmora::Platform

@@ -58,6 +58,8 @@ prepare_instance_lock "$tmp/runtime" "$tmp" || exit 1
 export HOME=$work/home
 export XDG_CONFIG_HOME=$HOME/config XDG_DATA_HOME=$HOME/data XDG_CACHE_HOME=$HOME/cache
 export XDG_RUNTIME_DIR=$tmp/runtime TMPDIR=$tmp
+# A system service running on this machine must not stand in for the simulated one under test.
+export KESTRAVIN_SERVICE=simulated
 export QT_QPA_PLATFORM=xcb
 # No desktop bus: the tray icon goes to the X system tray below, as on a desktop without one.
 unset WAYLAND_DISPLAY DBUS_SESSION_BUS_ADDRESS

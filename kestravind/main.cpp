@@ -1,0 +1,85 @@
+// kestravind: the privileged service for Linux. Listens on the service socket and answers the
+// program's requests from the machine it runs on; runs as root, in the foreground, logging to
+// stderr (the journal under systemd).
+
+#include "server/AccessPolicy.h"
+#include "server/BuiltInHandlers.h"
+#include "server/DaemonOptions.h"
+#include "server/Log.h"
+#include "server/RequestRouter.h"
+#include "server/ServiceListener.h"
+#include "server/TerminationSignals.h"
+
+#include <QCoreApplication>
+
+#include <csignal>
+#include <cstdio>
+
+using namespace Velmora::Daemon;
+
+namespace {
+
+// Exit codes: 0 normal end, 1 bad command line, 2 the socket is taken or unusable.
+constexpr int BadArguments = 1;
+constexpr int CannotListen = 2;
+// Running requests get this long to see their stop flag when the service is told to end.
+constexpr int StopGraceMs = 5000;
+
+ServiceVersion serviceVersion()
+{
+    const QStringList parts = QStringLiteral(KESTRAVIND_VERSION).split(QLatin1Char('.'));
+    return {parts.value(0).toUInt(), parts.value(1).toUInt(), parts.value(2).toUInt()};
+}
+
+} // namespace
+
+int main(int argc, char* argv[])
+{
+    // A client that hangs up under a write must cost an error code, not the process.
+    std::signal(SIGPIPE, SIG_IGN);
+    qSetMessagePattern(QStringLiteral("%{if-category}%{category}: %{endif}%{message}"));
+    QCoreApplication app(argc, argv);
+    QCoreApplication::setApplicationName(QStringLiteral("kestravind"));
+    QCoreApplication::setApplicationVersion(QStringLiteral(KESTRAVIND_VERSION));
+
+    DaemonOptions options;
+    QString error;
+    if (!options.parse(QCoreApplication::arguments(), &error)) {
+        std::fprintf(stderr, "%s\n", qPrintable(error));
+        return BadArguments;
+    }
+
+    const AccessPolicy policy(options.group);
+    if (!policy.groupExists())
+        qCWarning(serverLog, "No group \"%s\": only root may run speed tests and change settings", qPrintable(options.group));
+
+    RequestRouter router(policy);
+    router.addHandler(versionHandler(serviceVersion()));
+    router.addHandler(migrationRefusals());
+    QList<quint32> unwired;
+    for (quint32 type : engineRequestTypes()) {
+        if (!router.isRouted(type))
+            unwired << type;
+    }
+    router.addHandler(unwiredRequests(unwired));
+
+    ServiceListener listener(router, options.limits);
+    if (!listener.listen(options.socketPath, &error)) {
+        qCCritical(serverLog, "%s", qPrintable(error));
+        return CannotListen;
+    }
+    TerminationSignals termination;
+    if (!termination.install())
+        qCWarning(serverLog, "Cannot catch termination signals; a stop will not be clean");
+    QObject::connect(&termination, &TerminationSignals::terminationRequested, &app, [](int number) {
+        qCInfo(serverLog, "Signal %d: ending the service", number);
+        QCoreApplication::quit();
+    });
+    qCInfo(serverLog, "Service %s up", KESTRAVIND_VERSION);
+
+    const int result = QCoreApplication::exec();
+    listener.shutDown();
+    if (!router.waitForWorkers(StopGraceMs))
+        qCWarning(serverLog, "Requests still running after %d ms; ending without them", StopGraceMs);
+    return result;
+}

@@ -1,0 +1,21 @@
+#pragma once
+
+#include "ClientConnection.h"
+
+#include <QString>
+#include <QStringList>
+
+namespace Velmora::Daemon {
+
+struct DaemonOptions {
+    static const char* const DefaultSocket;
+
+    QString socketPath = QLatin1String(DefaultSocket);
+    QString group = QStringLiteral("kestravin");
+    ConnectionLimits limits;
+
+    // False, with the reason, for a command line that cannot be followed.
+    bool parse(const QStringList& arguments, QString* error);
+};
+
+} // namespace Velmora::Daemon
