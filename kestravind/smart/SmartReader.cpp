@@ -54,7 +54,8 @@ SmartAnswer SmartReader::read(const Velmora::Message::SmartRequest& request, con
                               const std::atomic_bool& stop) const
 {
     const quint32 driveId = request.driveid();
-    if (devicePath.isEmpty() || !QFileInfo::exists(devicePath)) {
+    // Only absolute paths: anything else on smartctl's command line could be read as an option.
+    if (!devicePath.startsWith(QLatin1Char('/')) || !QFileInfo::exists(devicePath)) {
         qCWarning(lcSmart).noquote() << "No device for drive" << driveId << devicePath;
         return failure(driveId, NoDrive);
     }
