@@ -12,8 +12,6 @@
 
 namespace Velmora::Daemon::Smart {
 
-Q_LOGGING_CATEGORY(lcSmart, "kestravind.smart")
-
 using SmartAnswer = Velmora::Message::Smart;
 
 namespace {
@@ -84,6 +82,9 @@ SmartAnswer SmartReader::read(const Velmora::Message::SmartRequest& request, con
 
     SmartAnswer answer = SmartctlJson::toSmart(result.output, result.exitCode, devicePath);
     answer.set_driveid(driveId);
+    // Exit bit 1: smartctl could not open the device; if it is gone now, it was unplugged meanwhile.
+    if (int(answer.errorcode()) == NoSmart && (result.exitCode & 0x2) && !QFileInfo::exists(devicePath))
+        answer.set_errorcode(static_cast<SmartAnswer::Error>(NoDrive));
     if (answer.errorcode() == SmartAnswer::SUCCESS && !request.allattributes())
         keepOnly(request.attributeid(), &answer);
     return answer;

@@ -65,11 +65,11 @@ QString smartctlMessages(const QJsonObject& root)
     return texts.isEmpty() ? QStringLiteral("no message") : texts.join(QLatin1String("; "));
 }
 
-bool mapAtaTable(const QJsonArray& table, const QString& device, SmartAnswer* answer)
+void mapAtaTable(const QJsonArray& table, const QString& device, SmartAnswer* answer)
 {
     if (table.size() > MaxAttributes) {
         qCWarning(lcSmart).noquote() << "smartctl listed" << table.size() << "attributes for" << device;
-        return false;
+        return;
     }
     for (const QJsonValue& row : table) {
         const QJsonObject entry = row.toObject();
@@ -85,7 +85,6 @@ bool mapAtaTable(const QJsonArray& table, const QString& device, SmartAnswer* an
         readUnsigned(entry.value(QLatin1String("flags")).toObject().value(QLatin1String("value")), 0xFFFF, &flags);
         addAttribute(answer, quint32(id), quint32(value), quint32(worst), quint32(threshold), quint32(flags), raw);
     }
-    return answer->attributes_size() > 0;
 }
 
 void mapNvmeHealth(const QJsonObject& log, SmartAnswer* answer)
@@ -135,16 +134,19 @@ SmartAnswer SmartctlJson::toSmart(const QByteArray& output, int exitStatus, cons
     const QJsonObject support = root.value(QLatin1String("smart_support")).toObject();
     const QJsonValue ataTable = root.value(QLatin1String("ata_smart_attributes")).toObject().value(QLatin1String("table"));
     const QJsonValue nvmeLog = root.value(QLatin1String("nvme_smart_health_information_log"));
-    if (support.value(QLatin1String("enabled")).toBool(true) == false) {
+    const bool enabled = support.value(QLatin1String("enabled")).toBool(true);
+    if (!enabled)
         qCInfo(lcSmart).noquote() << "SMART is disabled on" << device;
-    } else if (ataTable.isArray() && mapAtaTable(ataTable.toArray(), device, &answer)) {
-        return answer;
-    } else if (nvmeLog.isObject()) {
+    else if (ataTable.isArray())
+        mapAtaTable(ataTable.toArray(), device, &answer);
+    else if (nvmeLog.isObject())
         mapNvmeHealth(nvmeLog.toObject(), &answer);
-        if (answer.attributes_size() > 0)
-            return answer;
+    if (answer.attributes_size() > 0) {
+        // Exit bits 3 and 4: the drive's own verdict is "failing", or an attribute is at its threshold.
+        if (exitStatus & 0x18)
+            qCWarning(lcSmart).noquote() << "smartctl finds" << device << "failing, exit status" << exitStatus;
+        return answer;
     }
-    answer.clear_attributes();
     qCInfo(lcSmart).noquote() << "No SMART data for" << device << "- smartctl exit status" << exitStatus
                               << "said:" << smartctlMessages(root);
     answer.set_errorcode(static_cast<SmartAnswer::Error>(NoSmart));
