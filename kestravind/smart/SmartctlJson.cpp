@@ -9,6 +9,7 @@
 #include <QStringList>
 
 #include <algorithm>
+#include <cmath>
 
 namespace Velmora::Daemon::Smart {
 
@@ -28,8 +29,8 @@ bool readUnsigned(const QJsonValue& value, quint64 max, quint64* out)
     if (!value.isDouble())
         return false;
     const double number = value.toDouble();
-    if (!(number >= 0) || number != static_cast<double>(static_cast<quint64>(number))
-        || number > static_cast<double>(max))
+    // Range first: converting a double beyond the integer's range is undefined.
+    if (!(number >= 0) || number > static_cast<double>(max) || number != std::floor(number))
         return false;
     *out = static_cast<quint64>(number);
     return true;
@@ -107,8 +108,9 @@ void mapNvmeHealth(const QJsonObject& log, SmartAnswer* answer)
         addAttribute(answer, 231, remaining, remaining, 0, 0, remaining);
     }
     if (readUnsigned(log.value(QLatin1String("data_units_written")), quint64(1) << 53, &value)) {
-        // 512,000 bytes per unit, 2^30 per GiB: 512000 / 2^30 = 125 / 2^18.
-        const quint64 gib = static_cast<quint64>((static_cast<unsigned __int128>(value) * 125) >> 18);
+        // 512,000 bytes per unit, 2^30 per GiB: 512000 / 2^30 = 125 / 2^18; below 2^53 units
+        // the product stays within 64 bits.
+        const quint64 gib = (value * 125) >> 18;
         addAttribute(answer, 241, 0, 0, 0, 0, std::min(gib, Raw48Max));
     }
 }
