@@ -12,6 +12,7 @@ packages=(
   libbenchmark-dev
   xvfb xauth x11-utils xdotool libx11-dev procps
   fonts-inter
+  smartmontools
 )
 
 missing=()
