@@ -12,6 +12,8 @@ packages=(
   libbenchmark-dev
   xvfb xauth x11-utils xdotool libx11-dev procps
   fonts-inter
+  libudev-dev libblkid-dev
+  fdisk e2fsprogs dosfstools
 )
 
 missing=()
