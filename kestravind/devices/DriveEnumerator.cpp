@@ -196,16 +196,16 @@ std::optional<DriveRecord> DriveEnumerator::readDrive(const QString& name, const
 
     // A file system on the whole disk, as many USB sticks and virtual disks have: shown as the one
     // partition of a drive without a table.
-    const QString wholeDiskFileSystem = properties.value(QStringLiteral("ID_FS_TYPE"));
-    if (drive.partitions.isEmpty() && tableType.isEmpty() && !wholeDiskFileSystem.isEmpty()) {
+    if (drive.partitions.isEmpty() && tableType.isEmpty()) {
         PartitionRecord whole;
         whole.id = 1;
         whole.devicePath = drive.devicePath;
         whole.size = drive.size;
-        whole.fileSystem = wholeDiskFileSystem;
+        whole.fileSystem = properties.value(QStringLiteral("ID_FS_TYPE"));
         whole.label = readableProperty(properties, QStringLiteral("ID_FS_LABEL"), false);
         placeMount(&whole, Sysfs::text(directory + QLatin1String("/dev")), mounts);
-        drive.partitions.append(whole);
+        if (!whole.fileSystem.isEmpty())
+            drive.partitions.append(whole);
     }
 
     if (!Sysfs::exists(directory)) {
@@ -289,9 +289,15 @@ std::optional<PartitionRecord> DriveEnumerator::readPartition(
 
 void DriveEnumerator::placeMount(PartitionRecord* partition, const QString& majorMinor, const MountTable& mounts) const
 {
-    partition->mountPoint = mounts.mountPointOf(majorMinor, partition->devicePath);
-    if (!partition->mountPoint.isEmpty())
-        partition->used = m_options.usedBytes(partition->mountPoint).value_or(0);
+    const MountTable::Mount* mount = mounts.mountOf(majorMinor, partition->devicePath);
+    if (!mount)
+        return;
+    partition->mountPoint = mount->mountPoint;
+    partition->used = m_options.usedBytes(partition->mountPoint).value_or(0);
+    // A device this service may not open (a sandbox, a device held exclusively) still tells its
+    // file system through the mount.
+    if (partition->fileSystem.isEmpty())
+        partition->fileSystem = mount->fileSystem;
 }
 
 } // namespace Velmora::Daemon::Devices

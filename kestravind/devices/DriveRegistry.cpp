@@ -28,7 +28,7 @@ Velmora::Message::SystemInfo DriveRegistry::rescan()
             drive.id = known.value();
         } else {
             drive.id = m_nextId++;
-            qCInfo(devicesLog, "Drive %u is %s (%s)", drive.id, qPrintable(drive.devicePath), qPrintable(drive.model));
+            qCDebug(devicesLog, "Drive %u is %s (%s)", drive.id, qPrintable(drive.devicePath), qPrintable(drive.model));
         }
         ids.insert(drive.identity, drive.id);
         drives.insert(drive.id, std::move(drive));

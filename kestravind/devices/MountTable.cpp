@@ -100,12 +100,12 @@ const MountTable::Mount* MountTable::best(const QVector<int>& candidates) const
     return chosen;
 }
 
-QString MountTable::mountPointOf(const QString& majorMinor, const QString& devicePath) const
+const MountTable::Mount* MountTable::mountOf(const QString& majorMinor, const QString& devicePath) const
 {
     const Mount* mount = best(m_byDevice.value(majorMinor));
     if (!mount && !devicePath.isEmpty())
         mount = best(m_bySource.value(devicePath));
-    return mount ? mount->mountPoint : QString();
+    return mount;
 }
 
 } // namespace Velmora::Daemon::Devices

@@ -26,8 +26,8 @@ public:
     // Where the file system of a device is mounted: the mount that shows all of it and, of those,
     // the shortest path. A file system mounted only in part (a subvolume, a bind of a folder) gives
     // the mount of the shortest root. Devices are matched by number, or by the source path where
-    // the file system has a number of its own (btrfs). Empty when not mounted.
-    QString mountPointOf(const QString& majorMinor, const QString& devicePath) const;
+    // the file system has a number of its own (btrfs). Null when not mounted.
+    const Mount* mountOf(const QString& majorMinor, const QString& devicePath) const;
 
     const QVector<Mount>& mounts() const { return m_mounts; }
 
