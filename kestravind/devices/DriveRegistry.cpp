@@ -1,6 +1,8 @@
 #include "devices/DriveRegistry.h"
 
 #include "devices/DevicesLog.h"
+#include "devices/DriveEnumerator.h"
+#include "devices/LivePropertySource.h"
 #include "devices/SystemInfoMessage.h"
 
 namespace Velmora::Daemon::Devices {
@@ -64,6 +66,15 @@ QVector<DriveRecord> DriveRegistry::drives() const
 {
     std::lock_guard<std::mutex> lock(m_mutex);
     return QVector<DriveRecord>::fromList(m_drives.values());
+}
+
+std::unique_ptr<DriveRegistry> liveDriveRegistry(bool includeLoop)
+{
+    EnumeratorOptions options;
+    options.includeLoop = includeLoop;
+    // Scans run one at a time, which the udev context of the property source needs.
+    auto enumerator = std::make_shared<DriveEnumerator>(options, std::make_shared<LivePropertySource>());
+    return std::make_unique<DriveRegistry>([enumerator] { return enumerator->enumerate(); });
 }
 
 } // namespace Velmora::Daemon::Devices

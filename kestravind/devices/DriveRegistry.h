@@ -8,6 +8,7 @@
 #include <QMap>
 
 #include <functional>
+#include <memory>
 #include <mutex>
 #include <optional>
 
@@ -39,5 +40,9 @@ private:
     QMap<quint32, DriveRecord> m_drives;
     quint32 m_nextId = 0;
 };
+
+// The registry of this machine's drives: sysfs under /sys, udev with libblkid where udev has not
+// probed, the mount table of this process. Loop devices count as drives only when asked for.
+std::unique_ptr<DriveRegistry> liveDriveRegistry(bool includeLoop);
 
 } // namespace Velmora::Daemon::Devices
