@@ -13,6 +13,8 @@ packages=(
   xvfb xauth x11-utils xdotool libx11-dev procps
   fonts-inter
   smartmontools
+  libudev-dev libblkid-dev
+  fdisk e2fsprogs dosfstools
 )
 
 missing=()
