@@ -2,6 +2,7 @@
 // program's requests from the machine it runs on; runs as root, in the foreground, logging to
 // stderr (the journal under systemd).
 
+#include "engines/MachineEngines.h"
 #include "server/AccessPolicy.h"
 #include "server/BuiltInHandlers.h"
 #include "server/DaemonOptions.h"
@@ -53,9 +54,12 @@ int main(int argc, char* argv[])
     if (!policy.groupExists())
         qCWarning(serverLog, "No group \"%s\": only root may run speed tests and change settings", qPrintable(options.group));
 
+    // Before the router: its workers use the engines until the router has waited for them.
+    MachineEngines engines({options.includeLoop});
     RequestRouter router(policy);
     router.addHandler(versionHandler(serviceVersion()));
     router.addHandler(migrationRefusals());
+    engines.plugInto(router);
     QList<quint32> unwired;
     for (quint32 type : engineRequestTypes()) {
         if (!router.isRouted(type))

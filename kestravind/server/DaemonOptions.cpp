@@ -20,6 +20,7 @@ bool DaemonOptions::parse(const QStringList& arguments, QString* error)
             QStringLiteral("name"), group},
         {QStringLiteral("max-unsent"), QStringLiteral("Close a client that leaves more KiB of answers unread."),
             QStringLiteral("KiB"), QString::number(limits.maxUnsentBytes / 1024)},
+        {QStringLiteral("include-loop"), QStringLiteral("Show loop devices as drives (for tests and demonstrations).")},
     });
     if (!parser.parse(arguments)) {
         *error = parser.errorText();
@@ -35,6 +36,7 @@ bool DaemonOptions::parse(const QStringList& arguments, QString* error)
     }
     socketPath = parser.value(QStringLiteral("socket"));
     group = parser.value(QStringLiteral("group"));
+    includeLoop = parser.isSet(QStringLiteral("include-loop"));
     bool ok = false;
     const qint64 unsentKiB = parser.value(QStringLiteral("max-unsent")).toLongLong(&ok);
     if (!ok || unsentKiB < 1) {

@@ -13,6 +13,7 @@ struct DaemonOptions {
     QString socketPath = QLatin1String(DefaultSocket);
     QString group = QStringLiteral("kestravin");
     ConnectionLimits limits;
+    bool includeLoop = false;
 
     // False, with the reason, for a command line that cannot be followed.
     bool parse(const QStringList& arguments, QString* error);
