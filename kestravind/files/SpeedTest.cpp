@@ -47,7 +47,7 @@ public:
             qCWarning(filesLog, "Cannot remove the speed test folder %s: %s", m_folderName.c_str(), std::strerror(errno));
     }
 
-    bool make(bool* direct)
+    bool make(uint64_t size, bool* direct)
     {
         std::random_device random;
         for (int attempt = 0; attempt < 8 && m_folderName.empty(); ++attempt) {
@@ -69,7 +69,13 @@ public:
         if (!m_file.valid() && errno == EINVAL)
             m_file = UniqueFd(::openat(m_folder.get(), TestFileName, flags, 0600));
         m_fileMade = m_file.valid();
-        return m_fileMade;
+        if (!m_fileMade)
+            return false;
+        // Blocks allocated up front, as any writer of a known size does: the test then measures
+        // the drive, not the file system's allocator, and a volume without room fails here.
+        const int error = ::posix_fallocate(m_file.get(), 0, off_t(size));
+        errno = error;
+        return error == 0 || error == EOPNOTSUPP || error == EINVAL;
     }
 
     int file() const { return m_file.get(); }
@@ -151,7 +157,7 @@ Wire::DiskPerformance SpeedTest::run(const Wire::DiskPerformanceRequest& request
 
     Workspace workspace(std::move(volume));
     bool direct = false;
-    if (!workspace.make(&direct)) {
+    if (!workspace.make(fileSize, &direct)) {
         qCWarning(filesLog, "Cannot make the speed test file on drive %u: %s", request.driveid(), std::strerror(errno));
         answer.set_code(Wire::FAILED);
         return answer;

@@ -6,6 +6,7 @@
 #include <sys/statvfs.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <cerrno>
 #include <cstring>
 
@@ -81,8 +82,7 @@ bool TreeWalker::walk(int directory, std::vector<uint64_t>& sums)
 bool TreeWalker::enterNext(size_t depth)
 {
     Frame& parent = m_frames[depth];
-    const char* name = parent.subfolders.c_str() + parent.next;
-    parent.next += std::strlen(name) + 1;
+    const char* name = parent.names.c_str() + parent.subfolders[parent.next++].second;
 
     const int fd = ::openat(parent.fd, name, O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC);
     if (fd < 0) {
@@ -110,6 +110,7 @@ bool TreeWalker::enterNext(size_t depth)
 bool TreeWalker::readFolder(size_t depth, std::vector<uint64_t>& sums)
 {
     Frame& frame = m_frames[depth];
+    frame.names.clear();
     frame.subfolders.clear();
     frame.next = 0;
     for (;;) {
@@ -119,8 +120,13 @@ bool TreeWalker::readFolder(size_t depth, std::vector<uint64_t>& sums)
         if (bytes <= 0) {
             if (bytes < 0 && errno != ENOENT)
                 ++m_counters.refusedFolders;
+            // Subfolders too are entered in inode order, for the same reason as files are read.
+            std::sort(frame.subfolders.begin(), frame.subfolders.end());
             return true;
         }
+        // Files are stat'ed in inode order: on a cold cache the inode table is then read
+        // front to back instead of in the hash order the folder hands out its names in.
+        m_files.clear();
         for (ssize_t offset = 0; offset < bytes;) {
             const auto* entry = reinterpret_cast<const dirent64*>(m_buffer.data() + offset);
             offset += entry->d_reclen;
@@ -128,27 +134,34 @@ bool TreeWalker::readFolder(size_t depth, std::vector<uint64_t>& sums)
             if (isDotOrDotDot(name))
                 continue;
             ++m_counters.entries;
-            if (entry->d_type == DT_DIR) {
-                frame.subfolders.append(name, std::strlen(name) + 1);
-                continue;
-            }
-            if (entry->d_type != DT_REG && entry->d_type != DT_UNKNOWN)
-                continue;
+            if (entry->d_type == DT_DIR)
+                addSubfolder(frame, entry->d_ino, name);
+            else if (entry->d_type == DT_REG || entry->d_type == DT_UNKNOWN)
+                m_files.push_back({entry->d_ino, name});
+        }
+        std::sort(m_files.begin(), m_files.end(), [](const FileEntry& a, const FileEntry& b) { return a.inode < b.inode; });
+        for (const FileEntry& file : m_files) {
             struct stat info {};
-            if (::fstatat(frame.fd, name, &info, AT_SYMLINK_NOFOLLOW) != 0)
+            if (::fstatat(frame.fd, file.name, &info, AT_SYMLINK_NOFOLLOW) != 0)
                 continue;
             if (S_ISDIR(info.st_mode)) {
-                frame.subfolders.append(name, std::strlen(name) + 1);
+                addSubfolder(frame, info.st_ino, file.name);
                 continue;
             }
             if (!S_ISREG(info.st_mode) || (info.st_nlink > 1 && !m_linked.insert(info.st_ino).second))
                 continue;
-            const PathRules::Match match = better(frame.inherited, m_rules.pathMatch(m_rules.child(frame.ruleNode, name)));
-            sums[size_t(m_rules.bucketOf(name, match))] += uint64_t(info.st_size);
+            const PathRules::Match match = better(frame.inherited, m_rules.pathMatch(m_rules.child(frame.ruleNode, file.name)));
+            sums[size_t(m_rules.bucketOf(file.name, match))] += uint64_t(info.st_size);
         }
         if (m_batchHook)
             m_batchHook();
     }
+}
+
+void TreeWalker::addSubfolder(Frame& frame, ino_t inode, const char* name)
+{
+    frame.subfolders.emplace_back(inode, frame.names.size());
+    frame.names.append(name, std::strlen(name) + 1);
 }
 
 void TreeWalker::closeFrames(size_t from)

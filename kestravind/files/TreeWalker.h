@@ -48,11 +48,18 @@ private:
         int fd = -1;
         int ruleNode = PathRules::NoNode;
         PathRules::Match inherited;
-        std::string subfolders; // names still to enter, each ended by '\0'
+        std::string names;                                   // of subfolders, each ended by '\0'
+        std::vector<std::pair<ino_t, size_t>> subfolders;    // inode and offset in `names`
         size_t next = 0;
     };
 
+    struct FileEntry {
+        ino_t inode;
+        const char* name; // into the batch buffer
+    };
+
     bool readFolder(size_t depth, std::vector<uint64_t>& sums);
+    static void addSubfolder(Frame& frame, ino_t inode, const char* name);
     bool enterNext(size_t depth);
     void closeFrames(size_t from);
 
@@ -62,6 +69,7 @@ private:
     std::vector<Frame> m_frames;
     size_t m_depth = 0;
     std::vector<char> m_buffer;
+    std::vector<FileEntry> m_files;
     std::unordered_set<ino_t> m_linked;
     dev_t m_device = 0;
     Counters m_counters;
