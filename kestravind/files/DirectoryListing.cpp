@@ -19,6 +19,9 @@ namespace Wire = Velmora::Message;
 
 namespace {
 
+// One answer is one frame; a folder of millions of entries would make a frame that no peer takes.
+constexpr int MaxEntries = 100000;
+
 Wire::Code codeOf(int error)
 {
     switch (error) {
@@ -77,6 +80,10 @@ DirectoryListing::Result DirectoryListing::run(const Wire::FileListRequest& requ
         const std::string name = entry->d_name;
         if (name == "." || name == ".." || stop.load())
             continue;
+        if (files.size() + folders.size() >= size_t(MaxEntries)) {
+            qCWarning(filesLog, "Listing of %s cut off after %d entries", request.dirpath().c_str(), MaxEntries);
+            break;
+        }
         struct stat info {};
         if (::fstatat(folder.get(), entry->d_name, &info, AT_SYMLINK_NOFOLLOW) != 0)
             continue;
