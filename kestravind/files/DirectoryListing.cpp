@@ -78,7 +78,9 @@ DirectoryListing::Result DirectoryListing::run(const Wire::FileListRequest& requ
     }
     while (const dirent* entry = ::readdir(entries)) {
         const std::string name = entry->d_name;
-        if (name == "." || name == ".." || stop.load())
+        if (stop.load())
+            break;
+        if (name == "." || name == "..")
             continue;
         if (files.size() + folders.size() >= size_t(MaxEntries)) {
             qCWarning(filesLog, "Listing of %s cut off after %d entries", request.dirpath().c_str(), MaxEntries);
