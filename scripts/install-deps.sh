@@ -10,6 +10,7 @@ packages=(
   libssl-dev openssl
   libcpp-httplib-dev
   libbenchmark-dev
+  fio
   xvfb xauth x11-utils xdotool libx11-dev procps
   fonts-inter
   smartmontools
