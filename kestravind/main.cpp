@@ -6,6 +6,7 @@
 #include "server/AccessPolicy.h"
 #include "server/BuiltInHandlers.h"
 #include "server/DaemonOptions.h"
+#include "server/LogFile.h"
 #include "server/Log.h"
 #include "server/RequestRouter.h"
 #include "server/ServiceListener.h"
@@ -50,12 +51,15 @@ int main(int argc, char* argv[])
         return BadArguments;
     }
 
+    if (!options.logDirectory.isEmpty() && !LogFile::install(options.logDirectory, &error))
+        qCWarning(serverLog, "%s", qPrintable(error));
+
     const AccessPolicy policy(options.group);
     if (!policy.groupExists())
         qCWarning(serverLog, "No group \"%s\": only root may run speed tests and change settings", qPrintable(options.group));
 
     // Before the router: its workers use the engines until the router has waited for them.
-    MachineEngines engines({options.includeLoop});
+    MachineEngines engines({options.includeLoop, options.logDirectory});
     RequestRouter router(policy);
     router.addHandler(versionHandler(serviceVersion()));
     router.addHandler(migrationRefusals());

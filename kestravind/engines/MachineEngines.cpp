@@ -1,5 +1,7 @@
 #include "MachineEngines.h"
 
+#include "FileEngines.h"
+
 #include "devices/DriveRegistry.h"
 #include "server/EngineHandler.h"
 #include "server/RequestRouter.h"
@@ -22,6 +24,7 @@ namespace Wire = Velmora::Message;
 
 MachineEngines::MachineEngines(const EngineOptions& options)
     : m_drives(Devices::liveDriveRegistry(options.includeLoop))
+    , m_files(std::make_unique<FileEngines>(*m_drives, options.logDirectory.toStdString()))
 {
     // Ids are handed out by a scan; a program that asks about a drive before it asked for the
     // list (a reconnection) still finds the drives of the machine.
@@ -61,6 +64,8 @@ void MachineEngines::plugInto(RequestRouter& router)
             const auto drive = drives.drive(request.driveid());
             return Smart::SmartReader().read(request, drive ? drive->devicePath : QString(), stop);
         }));
+
+    m_files->plugInto(router);
 }
 
 } // namespace Velmora::Daemon

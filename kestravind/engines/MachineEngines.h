@@ -1,9 +1,12 @@
 #pragma once
 
+#include <QString>
+
 #include <memory>
 
 namespace Velmora::Daemon {
 
+class FileEngines;
 class RequestRouter;
 
 namespace Devices {
@@ -13,6 +16,8 @@ class DriveRegistry;
 struct EngineOptions {
     // Loop devices are no drives of the machine; tests and demos show their images as drives.
     bool includeLoop = false;
+    // The folder of the service's own log, which the log copies take from.
+    QString logDirectory;
 };
 
 // The engines that answer from this machine, plugged into the router: the drive list, the
@@ -28,6 +33,7 @@ public:
 
 private:
     std::unique_ptr<Devices::DriveRegistry> m_drives;
+    std::unique_ptr<FileEngines> m_files;
 };
 
 } // namespace Velmora::Daemon

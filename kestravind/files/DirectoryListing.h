@@ -1,6 +1,6 @@
 #pragma once
 
-#include "files/PeerCredentials.h"
+#include "server/PeerCredentials.h"
 
 #include "FileList.pb.h"
 #include "Code.pb.h"

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "files/PeerCredentials.h"
+#include "server/PeerCredentials.h"
 
 #include <sys/types.h>
 #include <vector>

@@ -20,6 +20,8 @@ bool DaemonOptions::parse(const QStringList& arguments, QString* error)
             QStringLiteral("name"), group},
         {QStringLiteral("max-unsent"), QStringLiteral("Close a client that leaves more KiB of answers unread."),
             QStringLiteral("KiB"), QString::number(limits.maxUnsentBytes / 1024)},
+        {QStringLiteral("log-dir"), QStringLiteral("Also write the log to kestravind.log in this folder."),
+            QStringLiteral("folder")},
         {QStringLiteral("include-loop"), QStringLiteral("Show loop devices as drives (for tests and demonstrations).")},
     });
     if (!parser.parse(arguments)) {
@@ -37,6 +39,7 @@ bool DaemonOptions::parse(const QStringList& arguments, QString* error)
     socketPath = parser.value(QStringLiteral("socket"));
     group = parser.value(QStringLiteral("group"));
     includeLoop = parser.isSet(QStringLiteral("include-loop"));
+    logDirectory = parser.value(QStringLiteral("log-dir"));
     bool ok = false;
     const qint64 unsentKiB = parser.value(QStringLiteral("max-unsent")).toLongLong(&ok);
     if (!ok || unsentKiB < 1) {

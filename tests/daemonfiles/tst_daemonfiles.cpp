@@ -16,6 +16,7 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+using namespace Velmora::Daemon;
 using namespace Velmora::Daemon::Files;
 namespace Wire = Velmora::Message;
 
