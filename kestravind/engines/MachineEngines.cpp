@@ -1,6 +1,8 @@
 #include "MachineEngines.h"
 
 #include "devices/DriveRegistry.h"
+#include "migration/CommandRunner.h"
+#include "migration/DiskEngines.h"
 #include "server/EngineHandler.h"
 #include "server/RequestRouter.h"
 #include "smart/SmartReader.h"
@@ -9,6 +11,7 @@
 
 #include "message/Message.h"
 
+#include "Migration.pb.h"
 #include "Smart.pb.h"
 #include "SmartRequest.pb.h"
 #include "SystemInfo.pb.h"
@@ -22,7 +25,15 @@ namespace Wire = Velmora::Message;
 
 MachineEngines::MachineEngines(const EngineOptions& options)
     : m_drives(Devices::liveDriveRegistry(options.includeLoop))
+    , m_tools(std::make_unique<Migration::ProcessRunner>())
 {
+    // A disk is written only if a scan made at that moment still lists it under the id asked for.
+    Devices::DriveRegistry& drives = *m_drives;
+    m_disks = std::make_unique<Migration::DiskEngines>(*m_tools, [&drives](quint32 driveId) {
+        drives.rescan();
+        const auto drive = drives.drive(driveId);
+        return drive ? drive->devicePath : QString();
+    });
     // Ids are handed out by a scan; a program that asks about a drive before it asked for the
     // list (a reconnection) still finds the drives of the machine.
     m_drives->rescan();
@@ -61,6 +72,28 @@ void MachineEngines::plugInto(RequestRouter& router)
             const auto drive = drives.drive(request.driveid());
             return Smart::SmartReader().read(request, drive ? drive->devicePath : QString(), stop);
         }));
+
+    // The destination of a migration, one request at a time as the wizard sends them; each is a
+    // task of its own so that a slow mkfs does not hold the connection's short requests. The
+    // program names the source drive only in its filter requests, so CleanDisk knows no source
+    // here; the system disk and every disk in use are refused all the same.
+    Migration::DiskEngines& disks = *m_disks;
+    router.addHandler(std::make_unique<EngineHandler<Wire::CleanDisk, Wire::CleanDisk>>(
+        Message::CleanDisk, Message::CleanDisk,
+        [&disks](const Wire::CleanDisk& request, const PeerCredentials&, const std::atomic_bool& stop, const auto&) {
+            return disks.cleanDisk(request, QString(), stop);
+        },
+        QStringLiteral("clean disk")));
+    router.addHandler(std::make_unique<EngineHandler<Wire::PartitionCreate, Wire::PartitionCreate>>(
+        Message::PartitionCreate, Message::PartitionCreate,
+        [&disks](const Wire::PartitionCreate& request, const PeerCredentials&, const std::atomic_bool& stop,
+            const auto&) { return disks.createPartition(request, stop); },
+        QStringLiteral("create partition")));
+    router.addHandler(std::make_unique<EngineHandler<Wire::PartitionFormat, Wire::PartitionFormat>>(
+        Message::PartitionFormat, Message::PartitionFormat,
+        [&disks](const Wire::PartitionFormat& request, const PeerCredentials&, const std::atomic_bool& stop,
+            const auto&) { return disks.formatPartition(request, stop); },
+        QStringLiteral("format partition")));
 }
 
 } // namespace Velmora::Daemon

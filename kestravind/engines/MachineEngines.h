@@ -10,13 +10,18 @@ namespace Devices {
 class DriveRegistry;
 }
 
+namespace Migration {
+class CommandRunner;
+class DiskEngines;
+}
+
 struct EngineOptions {
     // Loop devices are no drives of the machine; tests and demos show their images as drives.
     bool includeLoop = false;
 };
 
 // The engines that answer from this machine, plugged into the router: the drive list, the
-// summary, TRIM, S.M.A.R.T. and the file engines. Owns what the engines share, above all the
+// summary, TRIM, S.M.A.R.T., the file engines and the preparation of a migration's destination. Owns what the engines share, above all the
 // registry of the drive ids handed out, and outlives the router's workers.
 class MachineEngines
 {
@@ -28,6 +33,8 @@ public:
 
 private:
     std::unique_ptr<Devices::DriveRegistry> m_drives;
+    std::unique_ptr<Migration::CommandRunner> m_tools;
+    std::unique_ptr<Migration::DiskEngines> m_disks;
 };
 
 } // namespace Velmora::Daemon
