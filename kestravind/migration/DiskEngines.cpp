@@ -8,6 +8,7 @@
 #include <QFileInfo>
 #include <QThread>
 
+#include <algorithm>
 #include <optional>
 
 namespace Velmora::Daemon::Migration {

@@ -5,6 +5,8 @@
 #include <QJsonObject>
 #include <QUuid>
 
+#include <algorithm>
+
 namespace Velmora::Daemon::Migration {
 
 namespace Wire = Velmora::Message;
@@ -17,6 +19,7 @@ constexpr quint64 MbrSectorLimit = quint64(1) << 32;
 // The attribute bits of a GPT entry that have names; 48 to 63 belong to the partition's type.
 const char* const NamedGptAttributes[] = {"RequiredPartition", "NoBlockIOProtocol", "LegacyBIOSBootable"};
 constexpr int FirstTypeAttributeBit = 48;
+constexpr quint64 EbrRoom = 1024 * 1024;
 
 bool overlaps(quint64 start, quint64 size, const TableEntry& entry)
 {
@@ -34,6 +37,15 @@ quint32 numberOfNode(const QString& node)
 bool isExtendedType(const Wire::PartitionInfo& partition)
 {
     return partition.type() == Wire::PartitionInfo::MBR && ExtendedMbrTypes.contains(partition.mbrtype());
+}
+
+bool insideExtended(const TableLayout& layout, const Wire::PartitionInfo& wanted)
+{
+    if (isExtendedType(wanted))
+        return false;
+    return std::any_of(layout.entries.cbegin(), layout.entries.cend(), [&wanted](const TableEntry& entry) {
+        return entry.extended && wanted.offset() >= entry.start && wanted.offset() + wanted.size() <= entry.start + entry.size;
+    });
 }
 
 } // namespace
@@ -86,15 +98,12 @@ QString placementProblem(const TableLayout& layout, const Wire::PartitionInfo& w
     if (wanted.offset() > layout.usableEnd || wanted.size() > layout.usableEnd - wanted.offset())
         return QStringLiteral("the partition ends beyond the end of the disk (%1 bytes usable)").arg(layout.usableEnd);
     const bool extended = isExtendedType(wanted);
-    bool container = false;
+    const bool container = insideExtended(layout, wanted);
     int primaries = 0;
     for (const TableEntry& entry : layout.entries) {
         primaries += entry.logical ? 0 : 1;
         if (extended && entry.extended)
             return QStringLiteral("the disk has an extended partition already");
-        if (entry.extended && !extended && wanted.offset() >= entry.start
-            && wanted.offset() + wanted.size() <= entry.start + entry.size)
-            container = true;
     }
     if (!layout.gpt && !container && primaries >= 4)
         return QStringLiteral("the table holds four primary partitions already");
@@ -109,8 +118,21 @@ QString placementProblem(const TableLayout& layout, const Wire::PartitionInfo& w
 
 QByteArray scriptLine(const TableLayout& layout, const Wire::PartitionInfo& wanted, QString* problem)
 {
-    QByteArray line = "start=" + QByteArray::number(qulonglong(wanted.offset() / layout.sectorSize))
-        + ", size=" + QByteArray::number(qulonglong(wanted.size() / layout.sectorSize));
+    quint64 start = wanted.offset();
+    quint64 size = wanted.size();
+    // A logical partition is planned where its boot record has to go (the extended partition
+    // starts with the first one, each next one where the last ended): it keeps its end and gives
+    // up its first MiB to the record.
+    if (insideExtended(layout, wanted)) {
+        if (size <= EbrRoom) {
+            *problem = QStringLiteral("the logical partition leaves no room for its boot record");
+            return QByteArray();
+        }
+        start += EbrRoom;
+        size -= EbrRoom;
+    }
+    QByteArray line = "start=" + QByteArray::number(qulonglong(start / layout.sectorSize))
+        + ", size=" + QByteArray::number(qulonglong(size / layout.sectorSize));
     if (!layout.gpt) {
         if (wanted.mbrtype() == 0 || wanted.mbrtype() > 0xFF) {
             *problem = QStringLiteral("the MBR type %1 is not a partition type").arg(wanted.mbrtype());
