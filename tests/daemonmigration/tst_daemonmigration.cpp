@@ -45,12 +45,12 @@ QByteArray tool(const QString& program, const QStringList& arguments, const QByt
 class LoopDisk
 {
 public:
-    LoopDisk(const QString& folder, const QString& name, quint64 size)
+    LoopDisk(const QString& folder, const QString& name, quint64 size, bool readOnly = false)
     {
         QFile image(folder + QLatin1Char('/') + name);
         if (image.open(QIODevice::WriteOnly) && image.resize(qint64(size)))
             path = QString::fromLatin1(tool(QStringLiteral("losetup"), {QStringLiteral("-P"), QStringLiteral("-f"),
-                QStringLiteral("--show"), image.fileName()}));
+                readOnly ? QStringLiteral("-r") : QStringLiteral("-P"), QStringLiteral("--show"), image.fileName()}));
     }
     ~LoopDisk()
     {
@@ -107,7 +107,7 @@ private slots:
     void badPlansLeaveTheDisk();
 
 private:
-    std::unique_ptr<LoopDisk> disk(quint64 size);
+    std::unique_ptr<LoopDisk> disk(quint64 size, bool readOnly = false);
     // A disk with one ext4 partition, mounted under the test's folder.
     std::unique_ptr<LoopDisk> mountedDisk();
 
@@ -126,9 +126,9 @@ void DaemonMigrationTest::initTestCase()
     qInstallMessageHandler(captureLog);
 }
 
-std::unique_ptr<LoopDisk> DaemonMigrationTest::disk(quint64 size)
+std::unique_ptr<LoopDisk> DaemonMigrationTest::disk(quint64 size, bool readOnly)
 {
-    return std::make_unique<LoopDisk>(m_folder.path(), QStringLiteral("disk%1.img").arg(++m_images), size);
+    return std::make_unique<LoopDisk>(m_folder.path(), QStringLiteral("disk%1.img").arg(++m_images), size, readOnly);
 }
 
 std::unique_ptr<LoopDisk> DaemonMigrationTest::mountedDisk()
@@ -155,6 +155,7 @@ void DaemonMigrationTest::cleanDiskRefusals_data()
     QTest::newRow("the system's own disk") << "system" << int(Wire::ACCESS_DENIED) << "it holds the running system";
     QTest::newRow("the source") << "source" << int(Wire::ACCESS_DENIED) << "it is the source of the migration";
     QTest::newRow("a mounted partition") << "mounted" << int(Wire::ACCESS_DENIED) << "it has a file system mounted at";
+    QTest::newRow("read-only") << "readonly" << int(Wire::ACCESS_DENIED) << "it is read-only";
     QTest::newRow("not in the list") << "unlisted" << int(Wire::NOT_FOUND) << "it is not in the drive list";
     QTest::newRow("a partition, not a disk") << "partition" << int(Wire::INVALID_REQUEST) << "it is not a whole disk";
 }
@@ -167,7 +168,7 @@ void DaemonMigrationTest::cleanDiskRefusals()
 
     // The system's disk is only ever named, never attached or written: nothing here runs a tool.
     std::unique_ptr<LoopDisk> target = kind == QLatin1String("mounted") || kind == QLatin1String("partition")
-        ? mountedDisk() : disk(16 * MiB);
+        ? mountedDisk() : disk(16 * MiB, kind == QLatin1String("readonly"));
     if (kind != QLatin1String("system") && kind != QLatin1String("unlisted"))
         QVERIFY(!target->path.isEmpty());
     if (kind == QLatin1String("mounted"))
