@@ -76,9 +76,8 @@ void MachineEngines::plugInto(RequestRouter& router)
     // The destination of a migration, one request at a time as the wizard sends them; each is a
     // task of its own so that a slow mkfs does not hold the connection's short requests. The wizard
     // waits for one answer to each and takes any code but 0 for a failure, so there is no interim
-    // answer. The
-    // program names the source drive only in its filter requests, so CleanDisk knows no source
-    // here; the system disk and every disk in use are refused all the same.
+    // answer. The program names the source drive only in its filter requests, so CleanDisk knows
+    // no source here; the system disk and every disk in use are refused all the same.
     Migration::DiskEngines& disks = *m_disks;
     router.addHandler(std::make_unique<EngineHandler<Wire::CleanDisk, Wire::CleanDisk>>(
         Message::CleanDisk, Message::CleanDisk,
