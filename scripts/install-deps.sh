@@ -15,7 +15,7 @@ packages=(
   fonts-inter
   smartmontools
   libudev-dev libblkid-dev
-  fdisk e2fsprogs dosfstools
+  fdisk e2fsprogs dosfstools xfsprogs btrfs-progs ntfs-3g
 )
 
 missing=()

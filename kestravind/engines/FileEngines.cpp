@@ -94,9 +94,11 @@ Wire::FileTypeStructure scanGone(quint32 driveId, qint32 partitionId)
 
 } // namespace
 
-FileEngines::FileEngines(Devices::DriveRegistry& drives, std::string logDirectory)
+FileEngines::FileEngines(Devices::DriveRegistry& drives, std::string logDirectory,
+    std::function<void(quint32 driveId)> migrationSourceNamed)
     : m_drives(drives)
     , m_logDirectory(std::move(logDirectory))
+    , m_migrationSourceNamed(std::move(migrationSourceNamed))
 {
 }
 
@@ -165,6 +167,7 @@ void FileEngines::plugInto(RequestRouter& router)
         Message::MigrationFilterSystemPaths, Message::MigrationFilterSystemPaths,
         [this](const Wire::MigrationFilterSystemPaths& request, const PeerCredentials& peer, const std::atomic_bool&,
             const auto&) {
+            m_migrationSourceNamed(request.driveid());
             return Files::SystemPathsQuery().run(
                 request, mountPointOf(request.driveid(), qint32(request.partitionid())), peer);
         }));

@@ -4,6 +4,7 @@
 
 #include <QHash>
 
+#include <functional>
 #include <mutex>
 #include <optional>
 #include <string>
@@ -24,7 +25,9 @@ class DriveRegistry;
 class FileEngines
 {
 public:
-    FileEngines(Devices::DriveRegistry& drives, std::string logDirectory);
+    // `migrationSourceNamed` hears of the drive whose partitions the migration's filters ask about.
+    FileEngines(Devices::DriveRegistry& drives, std::string logDirectory,
+        std::function<void(quint32 driveId)> migrationSourceNamed);
 
     void plugInto(RequestRouter& router);
 
@@ -39,6 +42,7 @@ private:
 
     Devices::DriveRegistry& m_drives;
     const std::string m_logDirectory;
+    const std::function<void(quint32)> m_migrationSourceNamed;
     mutable std::mutex m_categoriesMutex;
     QHash<quint32, Velmora::Message::FileTypeStructure> m_categories;
 };

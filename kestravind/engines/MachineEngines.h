@@ -2,6 +2,7 @@
 
 #include <QString>
 
+#include <atomic>
 #include <memory>
 
 namespace Velmora::Daemon {
@@ -13,6 +14,11 @@ namespace Devices {
 class DriveRegistry;
 }
 
+namespace Migration {
+class CommandRunner;
+class DiskEngines;
+}
+
 struct EngineOptions {
     // Loop devices are no drives of the machine; tests and demos show their images as drives.
     bool includeLoop = false;
@@ -21,8 +27,9 @@ struct EngineOptions {
 };
 
 // The engines that answer from this machine, plugged into the router: the drive list, the
-// summary, TRIM, S.M.A.R.T. and the file engines. Owns what the engines share, above all the
-// registry of the drive ids handed out, and outlives the router's workers.
+// summary, TRIM, S.M.A.R.T., the file engines and the preparation of a migration's destination.
+// Owns what the engines share, above all the registry of the drive ids handed out, and outlives
+// the router's workers.
 class MachineEngines
 {
 public:
@@ -34,6 +41,11 @@ public:
 private:
     std::unique_ptr<Devices::DriveRegistry> m_drives;
     std::unique_ptr<FileEngines> m_files;
+    std::unique_ptr<Migration::CommandRunner> m_tools;
+    std::unique_ptr<Migration::DiskEngines> m_disks;
+    // The drive whose partitions the migration's filters were last asked about: the source, which
+    // the destination's erasing must never be. -1 before any.
+    std::atomic<qint64> m_migrationSource {-1};
 };
 
 } // namespace Velmora::Daemon

@@ -32,8 +32,8 @@ class MigrationRefusals : public RequestHandler
 public:
     QList<quint32> requestTypes() const override
     {
-        return {Message::CleanDisk, Message::PartitionCreate, Message::PartitionFormat, Message::PartitionRemove,
-            Message::FileCopyRequest, Message::FileCopyRequestCancel, Message::MigrationBootability};
+        return {Message::PartitionRemove, Message::FileCopyRequest, Message::FileCopyRequestCancel,
+            Message::MigrationBootability};
     }
 
     std::unique_ptr<Call> decode(quint32 type, const QByteArray& payload) const override
@@ -43,7 +43,7 @@ public:
         if (!wellFormed(type, payload))
             return nullptr;
         const QString name = Message::typeName(type);
-        qCWarning(serverLog, "Refused %s: this service does not change disks", qPrintable(name));
+        qCWarning(serverLog, "Refused %s: this service does not copy files or set up booting", qPrintable(name));
         return std::make_unique<FixedCall>(refusalFor(type, payload, Wire::FAILED,
             QStringLiteral("%1 is not done by this service").arg(name)));
     }
@@ -52,9 +52,6 @@ private:
     static bool wellFormed(quint32 type, const QByteArray& payload)
     {
         switch (type) {
-        case Message::CleanDisk: return parses<Wire::CleanDisk>(payload);
-        case Message::PartitionCreate: return parses<Wire::PartitionCreate>(payload);
-        case Message::PartitionFormat: return parses<Wire::PartitionFormat>(payload);
         case Message::PartitionRemove: return parses<Wire::PartitionRemove>(payload);
         case Message::FileCopyRequest: return parses<Wire::FileCopyRequest>(payload);
         default: return parses<Wire::MigrationBootability>(payload);

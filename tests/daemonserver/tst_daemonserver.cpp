@@ -215,11 +215,11 @@ void DaemonServerTest::answers_data()
     QTest::newRow("payload that does not parse")
         << QList<QByteArray>{FrameReader::encode(Message::CleanDisk, QByteArray("\xFF\xFF\xFF", 3))}
         << int(Message::Error) << int(Wire::INVALID_REQUEST) << QStringLiteral("the payload of CleanDisk does not parse");
-    Wire::CleanDisk clean;
-    clean.set_driveid(2);
-    QTest::newRow("disk change refused") << QList<QByteArray>{frame(Message::CleanDisk, clean)}
-                                         << int(Message::CleanDisk) << int(Wire::FAILED)
-                                         << QStringLiteral("Refused CleanDisk: this service does not change disks");
+    Wire::MigrationBootability boot;
+    boot.set_driveid(2);
+    QTest::newRow("boot set-up refused")
+        << QList<QByteArray>{frame(Message::MigrationBootability, boot)} << int(Message::MigrationBootability)
+        << int(Wire::FAILED) << QStringLiteral("Refused MigrationBootability: this service does not copy files or set up booting");
     QTest::newRow("drive list") << QList<QByteArray>{FrameReader::encode(Message::SystemInfoRequest, {})}
                                 << int(Message::SystemInfo) << -1 << QString();
 }
@@ -253,7 +253,7 @@ void DaemonServerTest::answers()
         Wire::SystemInfo drives;
         QVERIFY(drives.ParseFromArray(answer.payload.constData(), answer.payload.size()));
     } else {
-        Wire::CleanDisk refused;
+        Wire::MigrationBootability refused;
         QVERIFY(refused.ParseFromArray(answer.payload.constData(), answer.payload.size()));
         QCOMPARE(int(refused.code()), code);
         QCOMPARE(refused.driveid(), 2u);
