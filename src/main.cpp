@@ -6,6 +6,7 @@
 #include "communication/NamedPipeClient.h"
 #include "communicationweb/TarnAuthorizationService.h"
 #include "download/DownloadManager.h"
+#include "gui/FirstPaint.h"
 #include "gui/GuiResources.h"
 #include "gui/MainWindow.h"
 #include "gui/MainWindowWinFrame.h"
@@ -85,10 +86,13 @@ int main(int argc, char* argv[])
 
     const QString extraAuthority = QStringLiteral(KESTRAVIN_BACKEND_CA);
     if (!extraAuthority.isEmpty() && QFileInfo::exists(extraAuthority))
-        REST::addTrustedAuthority(extraAuthority);
+        REST::trustAuthorityBeforeFirstCall(extraAuthority);
     auto* network = new QNetworkAccessManager(app);
-    // Wakes the network stack up before the first real call.
-    network->get(QNetworkRequest(QUrl()))->deleteLater();
+    // Wakes the network stack up before the first real call. Only a request answered from the cache
+    // leaves the TLS library alone; it is loaded once the window has been painted.
+    QNetworkRequest wakeUp{QUrl()};
+    wakeUp.setAttribute(QNetworkRequest::CacheLoadControlAttribute, QNetworkRequest::AlwaysCache);
+    network->get(wakeUp)->deleteLater();
     auto* restClient = new REST::RestClient(QUrl(QStringLiteral(KESTRAVIN_BACKEND_URL)), network, app);
     auto* authorization = new CommunicationWeb::TarnAuthorizationService(restClient, app);
 
@@ -138,6 +142,11 @@ int main(int argc, char* argv[])
     QObject::connect(guard, &Application::SingleInstanceGuard::newInstanceDetected, frame, &Gui::MainWindowWinFrame::show);
     if (!Application::Application::hasMinimizedOption(QCoreApplication::arguments()))
         frame->show();
+    // What the first window does not need waits until it is on the screen.
+    Gui::runAfterFirstPaint(frame, app, [app] {
+        app->loadRemainingFonts();
+        REST::prepareTls();
+    });
 
     pipeClient->connectToServer();
     const int result = Application::Application::exec();

@@ -15,6 +15,8 @@
 #include <QPixmap>
 #include <QTranslator>
 
+#include <utility>
+
 namespace Velmora::Application {
 
 using Settings::SettingsManager;
@@ -87,17 +89,37 @@ void Application::createTray()
 void Application::loadFonts()
 {
     Gui::initFontResources();
-    bool loaded = true;
+    // The system's fonts are read first: a face added to a database not read yet is read a second
+    // time when it is.
+    const QFontDatabase systemFonts;
     QDirIterator fonts(QStringLiteral(":/fonts/"));
     while (fonts.hasNext()) {
-        if (QFontDatabase::addApplicationFont(fonts.next()) < 0)
-            loaded = false;
+        const QString path = fonts.next();
+        if (Gui::isFirstWindowFace(fonts.fileName()))
+            addFont(path);
+        else
+            m_fontsToLoad.append(path);
     }
     Gui::mapLegacyFontNames();
-    if (loaded)
+}
+
+void Application::loadRemainingFonts()
+{
+    const QStringList paths = std::exchange(m_fontsToLoad, QStringList());
+    for (const QString& path : paths)
+        addFont(path);
+    Gui::mapLegacyFontNames();
+    if (m_fontsLoaded)
         Logger::debug(QString(), QStringLiteral("Fonts loaded."));
     else
         Logger::error(QString(), QStringLiteral("Could not load fonts."));
+}
+
+void Application::addFont(const QString& path)
+{
+    // One face that fails leaves the others to be tried.
+    if (QFontDatabase::addApplicationFont(path) < 0)
+        m_fontsLoaded = false;
 }
 
 void Application::loadTranslation(const QString& language)

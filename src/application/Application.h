@@ -34,6 +34,10 @@ public:
     QString language() const { return m_language; }
     void loadTranslation(const QString& language);
 
+    // The constructor loads only the font faces the first window shows; this loads the others. To
+    // be called once that window has been painted (or at once when the program starts in the tray).
+    void loadRemainingFonts();
+
 signals:
     void showMainWindow();
     void setCurrentDrive(int driveId);
@@ -57,12 +61,15 @@ private slots:
 private:
     void createTray();
     void loadFonts();
+    void addFont(const QString& path);
 
     QSystemTrayIcon* m_trayIcon = nullptr;
     QMenu* m_trayMenu = nullptr;
     TrayNotifications* m_notifications = nullptr;
     QTranslator* m_translator = nullptr;
     QString m_language;
+    QStringList m_fontsToLoad;
+    bool m_fontsLoaded = true;
     std::unique_ptr<Platform::Autostart> m_autostart;
 };
 

@@ -3,6 +3,7 @@
 #include "download/DownloadFile.h"
 #include "download/DownloadHandler.h"
 #include "logger/Logger.h"
+#include "rest/TrustedAuthority.h"
 
 #include <QFileInfo>
 #include <QNetworkAccessManager>
@@ -86,6 +87,8 @@ void DownloadManager::startNextDownload()
         return;
     }
 
+    // A request takes the TLS settings of the moment it is made.
+    REST::trustPendingAuthorities();
     QNetworkRequest request(m_currentFile->url());
     // Servers must name the final address; a redirect is reported, whatever the shared manager's
     // own policy says.

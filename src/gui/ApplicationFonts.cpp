@@ -64,4 +64,11 @@ void mapLegacyFontNames()
         QFont::insertSubstitution(oldName, known.contains(newName) ? newName : family);
 }
 
+bool isFirstWindowFace(const QString& fileName)
+{
+    static const QStringList faces = {
+        QStringLiteral("Inter-Regular.otf"), QStringLiteral("Inter-SemiBold.otf"), QStringLiteral("Inter-Black.otf")};
+    return faces.contains(fileName);
+}
+
 } // namespace Velmora::Gui

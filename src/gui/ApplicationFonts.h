@@ -14,4 +14,8 @@ QStringList registerApplicationFonts();
 void initFontResources();
 void mapLegacyFontNames();
 
+// Whether the face in the file of that name (in ":/fonts/") is one the main window's first page
+// shows: regular, semi-bold and black. The others can wait until that page is on the screen.
+bool isFirstWindowFace(const QString& fileName);
+
 } // namespace Velmora::Gui

@@ -34,6 +34,8 @@
 #include <QStackedWidget>
 #include <QVBoxLayout>
 
+#include <utility>
+
 namespace Velmora::Gui {
 
 namespace {
@@ -58,9 +60,11 @@ MainWindow::MainWindow(const Collaborators& collaborators, QWidget* parent)
     setObjectName(QStringLiteral("MainWindow"));
     setAttribute(Qt::WA_StyledBackground);
     initGuiResources();
+    // Applied when the window is first polished: a window with a style sheet of its own restyles all
+    // its widgets once more when the frame takes it in.
     QFile stylesheet(QStringLiteral(":/style/MainWindowStylesheet"));
     if (stylesheet.open(QIODevice::ReadOnly))
-        setStyleSheet(QString::fromUtf8(stylesheet.readAll()));
+        pendingStyleSheet = QString::fromUtf8(stylesheet.readAll());
 
     auto* layout = new QVBoxLayout(this);
     layout->setContentsMargins(0, 0, 0, 0);
@@ -117,6 +121,14 @@ MainWindow::MainWindow(const Collaborators& collaborators, QWidget* parent)
     connect(resoreWindow, &QPushButton::clicked, this, &MainWindow::restoreWindowRequest);
     connect(closeWindow, &QPushButton::clicked, this, &MainWindow::closeWindowRequest);
     setMaximizeButtonVisible(true);
+}
+
+bool MainWindow::event(QEvent* event)
+{
+    // Before the widgets are polished, so that each is styled once, by the final rules.
+    if (event->type() == QEvent::Polish && !pendingStyleSheet.isEmpty())
+        setStyleSheet(std::exchange(pendingStyleSheet, QString()));
+    return QWidget::event(event);
 }
 
 void MainWindow::connectCollaborators()

@@ -3,6 +3,7 @@
 #include "logger/Logger.h"
 #include "rest/Authenticator.h"
 #include "rest/RestResponse.h"
+#include "rest/TrustedAuthority.h"
 
 #include <QEventLoop>
 #include <QFile>
@@ -100,6 +101,8 @@ QNetworkReply* RestClient::send(RestRequest& request)
     if (m_authenticator)
         m_authenticator->authenticate(request);
 
+    // A request takes the TLS settings of the moment it is made.
+    trustPendingAuthorities();
     const QUrl url = urlFor(request);
     QNetworkRequest networkRequest(url);
     bool acceptGiven = false;
