@@ -11,6 +11,7 @@ packages=(
   libcpp-httplib-dev
   libbenchmark-dev
   xvfb xauth x11-utils xdotool libx11-dev procps
+  pngquant
   fonts-inter
 )
 
