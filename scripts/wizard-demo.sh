@@ -99,7 +99,7 @@ shot() {
 click() { xdotool mousemove "$1" "$2" click 1; sleep "${3:-0.4}"; }
 
 # HOLD=seconds keeps the session open after the script's road, for a look by hand.
-hold() { [ -n "${HOLD:-}" ] && sleep "$HOLD"; }
+hold() { [ -z "${HOLD:-}" ] || sleep "$HOLD"; }
 
 W=$width
 H=$height
