@@ -12,6 +12,7 @@ packages=(
   libbenchmark-dev
   fio
   xvfb xauth x11-utils xdotool libx11-dev procps
+  pngquant
   fonts-inter
   smartmontools
   libudev-dev libblkid-dev

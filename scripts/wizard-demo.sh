@@ -39,7 +39,7 @@ mkdir -p "$work"/home/{config,data,cache,runtime} "$tmp"
 chmod 700 "$work/home/runtime"
 mkdir -p "$work/home/config/BRANTEL"
 printf '[Application]\nLanguage=%s\n' "$language" >"$work/home/config/BRANTEL/KESTRAVIN.conf"
-prepare_instance_lock "$tmp" || exit 1
+prepare_instance_lock "$work/home/runtime" "$tmp" || exit 1
 export HOME=$work/home XDG_CONFIG_HOME=$work/home/config XDG_DATA_HOME=$work/home/data
 export XDG_CACHE_HOME=$work/home/cache XDG_RUNTIME_DIR=$work/home/runtime TMPDIR=$tmp QT_QPA_PLATFORM=xcb
 unset WAYLAND_DISPLAY DBUS_SESSION_BUS_ADDRESS
@@ -54,7 +54,7 @@ cleanup() {
   done
   sleep 0.5
   for pid in "${pids[@]}"; do kill -KILL "$pid" 2>/dev/null; wait "$pid" 2>/dev/null; done
-  release_instance_lock "$tmp"
+  release_instance_lock "$work/home/runtime" "$tmp"
 }
 trap cleanup EXIT
 
@@ -99,7 +99,7 @@ shot() {
 click() { xdotool mousemove "$1" "$2" click 1; sleep "${3:-0.4}"; }
 
 # HOLD=seconds keeps the session open after the script's road, for a look by hand.
-hold() { [ -n "${HOLD:-}" ] && sleep "$HOLD"; }
+hold() { [ -z "${HOLD:-}" ] || sleep "$HOLD"; }
 
 W=$width
 H=$height
