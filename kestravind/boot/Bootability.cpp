@@ -91,10 +91,6 @@ public:
             code = Canceled;
         if (code == Success)
             code = mountBootPartitions();
-        if (code == Success)
-            code = bindMachineFolders();
-        if (code == Success && stop)
-            code = Canceled;
         if (code != Success)
             return code;
         GrubJob job;
@@ -105,7 +101,14 @@ public:
         job.efiDirectory = m_efiDirectory;
         job.bootloaderId = bootloaderIdOf(m_stack.root());
         job.machineIsUefi = m_target.machineIsUefi;
-        code = installGrub(job, stop);
+        const std::optional<GrubTools> grub = findGrub(job);
+        if (!grub)
+            return NoGrub;
+        code = bindMachineFolders();
+        if (code == Success && stop)
+            code = Canceled;
+        if (code == Success)
+            code = installGrub(job, *grub, stop);
         if (code == Success && m_target.style == BootStyle::Uefi)
             code = writeEfiEntry(job, m_efiDevice, stop);
         return code;
@@ -169,7 +172,10 @@ private:
                 return MountFailed;
             }
             qCInfo(lcBoot).noquote() << "Mounted" << device.devicePath << "at the new system's" << mount.mountPoint;
-            if (isEfiFileSystem(fileSystem)) {
+            // The EFI partition is FAT by the firmware's rule; failing that, the one the program
+            // named the boot partition.
+            const bool fat = isEfiFileSystem(fileSystem);
+            if (fat || (m_efiDevice.isEmpty() && device.devicePath == m_target.bootPartition)) {
                 m_efiDirectory = mount.mountPoint;
                 m_efiDevice = device.devicePath;
             }
@@ -230,10 +236,10 @@ Velmora::Message::MigrationBootability Bootability::run(const Velmora::Message::
 
 int Bootability::configure(const std::atomic_bool& stop) const
 {
-    qCInfo(lcBoot).noquote() << "Making" << m_target.destinationDisk << "bootable:"
-                             << (m_target.style == BootStyle::Uefi ? "UEFI" : "BIOS") << "system" << m_target.osPartition
-                             << "boot" << m_target.bootPartition << ", this machine started by"
-                             << (m_target.machineIsUefi ? "UEFI" : "BIOS");
+    qCInfo(lcBoot).noquote() << QStringLiteral("Making %1 bootable by %2: system %3, boot partition %4; this machine started by %5")
+                                    .arg(m_target.destinationDisk, m_target.style == BootStyle::Uefi ? "UEFI" : "BIOS",
+                                        m_target.osPartition, m_target.bootPartition.isEmpty() ? "none" : m_target.bootPartition,
+                                        m_target.machineIsUefi ? "UEFI" : "BIOS");
     const bool systemPaired = std::any_of(m_target.pairs.cbegin(), m_target.pairs.cend(),
         [this](const QPair<QString, QString>& pair) { return pair.second == m_target.osPartition; });
     if (!systemPaired) {

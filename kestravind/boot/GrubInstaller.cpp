@@ -56,26 +56,44 @@ QString partitionNumber(const QString& device)
     return number.open(QIODevice::ReadOnly) ? QString::fromLatin1(number.readAll().trimmed()) : QString();
 }
 
+QString grubTarget(BootStyle style)
+{
+    return style == BootStyle::Uefi ? QStringLiteral("x86_64-efi") : QStringLiteral("i386-pc");
+}
+
 } // namespace
 
-int installGrub(const GrubJob& job, const std::atomic_bool& stop)
+std::optional<GrubTools> findGrub(const GrubJob& job)
+{
+    const QString target = grubTarget(job.style);
+    GrubTools tools;
+    tools.installer = firstInTree(job.root, {QStringLiteral("usr/sbin/grub-install"), QStringLiteral("usr/sbin/grub2-install")});
+    const QString modules = firstInTree(job.root, {QStringLiteral("usr/lib/grub/") + target, QStringLiteral("usr/lib/grub2/") + target});
+    // Debian's update-grub is grub-mkconfig with the menu's path, plus whatever the distribution adds.
+    const QString updater = firstInTree(job.root, {QStringLiteral("usr/sbin/update-grub")});
+    const QString mkconfig = firstInTree(job.root, {QStringLiteral("usr/sbin/grub-mkconfig")});
+    const QString mkconfig2 = firstInTree(job.root, {QStringLiteral("usr/sbin/grub2-mkconfig")});
+    if (!updater.isEmpty())
+        tools.menuCommand = QStringList{updater};
+    else if (!mkconfig.isEmpty())
+        tools.menuCommand = QStringList{mkconfig, QStringLiteral("-o"), QStringLiteral("/boot/grub/grub.cfg")};
+    else if (!mkconfig2.isEmpty())
+        tools.menuCommand = QStringList{mkconfig2, QStringLiteral("-o"), QStringLiteral("/boot/grub2/grub.cfg")};
+    if (tools.installer.isEmpty() || modules.isEmpty() || tools.menuCommand.isEmpty()) {
+        qCWarning(lcBoot).noquote() << QStringLiteral("The new system has no GRUB for %1: grub-install %2, its modules %3, "
+                                                     "update-grub or grub-mkconfig %4")
+                                           .arg(target, tools.installer.isEmpty() ? "missing" : "present",
+                                               modules.isEmpty() ? "missing" : "present",
+                                               tools.menuCommand.isEmpty() ? "missing" : "present");
+        return std::nullopt;
+    }
+    return tools;
+}
+
+int installGrub(const GrubJob& job, const GrubTools& tools, const std::atomic_bool& stop)
 {
     const bool uefi = job.style == BootStyle::Uefi;
-    const QString target = uefi ? QStringLiteral("x86_64-efi") : QStringLiteral("i386-pc");
-    const QString installer = firstInTree(job.root, {QStringLiteral("usr/sbin/grub-install"), QStringLiteral("usr/sbin/grub2-install")});
-    const QString modules = firstInTree(job.root, {QStringLiteral("usr/lib/grub/") + target, QStringLiteral("usr/lib/grub2/") + target});
-    const bool redHatNames = installer.contains(QLatin1String("grub2"));
-    const QString menuMaker = redHatNames ? firstInTree(job.root, {QStringLiteral("usr/sbin/grub2-mkconfig")})
-                                          : firstInTree(job.root, {QStringLiteral("usr/sbin/grub-mkconfig")});
-    if (installer.isEmpty() || modules.isEmpty() || menuMaker.isEmpty()) {
-        qCWarning(lcBoot).noquote() << "The new system has no GRUB for" << target << ": grub-install"
-                                    << (installer.isEmpty() ? "missing" : "present") << ", its modules"
-                                    << (modules.isEmpty() ? "missing" : "present") << ", grub-mkconfig"
-                                    << (menuMaker.isEmpty() ? "missing" : "present");
-        return NoGrub;
-    }
-
-    QStringList install{installer, QStringLiteral("--target=") + target};
+    QStringList install{tools.installer, QStringLiteral("--target=") + grubTarget(job.style)};
     if (uefi)
         install << QStringLiteral("--efi-directory=") + job.efiDirectory << QStringLiteral("--bootloader-id=") + job.bootloaderId
                 << QStringLiteral("--no-nvram");
@@ -87,15 +105,7 @@ int installGrub(const GrubJob& job, const std::atomic_bool& stop)
         install << QStringLiteral("--removable");
         code = inChroot(job, install, InstallLimit, GrubInstallFailed, stop);
     }
-    if (code != Success)
-        return code;
-
-    // Debian's update-grub is grub-mkconfig with the menu's path, plus whatever the distribution adds.
-    const QString updater = firstInTree(job.root, {QStringLiteral("usr/sbin/update-grub")});
-    if (!updater.isEmpty())
-        return inChroot(job, {updater}, MenuLimit, GrubConfigFailed, stop);
-    const QString menu = redHatNames ? QStringLiteral("/boot/grub2/grub.cfg") : QStringLiteral("/boot/grub/grub.cfg");
-    return inChroot(job, {menuMaker, QStringLiteral("-o"), menu}, MenuLimit, GrubConfigFailed, stop);
+    return code == Success ? inChroot(job, tools.menuCommand, MenuLimit, GrubConfigFailed, stop) : code;
 }
 
 int writeEfiEntry(const GrubJob& job, const QString& espDevice, const std::atomic_bool& stop)

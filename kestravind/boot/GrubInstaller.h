@@ -3,8 +3,10 @@
 #include "boot/BootStyle.h"
 
 #include <QString>
+#include <QStringList>
 
 #include <atomic>
+#include <optional>
 
 namespace Velmora::Daemon::Boot {
 
@@ -20,11 +22,22 @@ struct GrubJob
     bool machineIsUefi = false;
 };
 
+// The system's own GRUB tools, as paths inside it.
+struct GrubTools
+{
+    QString installer; // grub-install
+    QStringList menuCommand; // update-grub, or grub-mkconfig with the menu's path
+};
+
+// The tools for the job's style; nothing, and a log line saying what is missing, when the system
+// has no GRUB for it.
+std::optional<GrubTools> findGrub(const GrubJob& job);
+
 // Installs GRUB the way the job's style asks and writes its menu, both with the system's own
 // tools in a chroot. On UEFI the files go to the EFI partition without touching this machine's
 // boot entries; where this machine did not start by UEFI they also go to the fallback path that
 // any firmware tries. Returns a BootabilityCode.
-int installGrub(const GrubJob& job, const std::atomic_bool& stop);
+int installGrub(const GrubJob& job, const GrubTools& tools, const std::atomic_bool& stop);
 
 // Adds this machine's UEFI boot entry for the loader the system installed on partition
 // `espDevice` of `disk`. Returns a BootabilityCode.

@@ -18,6 +18,8 @@ namespace {
 
 const QString OldRoot = QStringLiteral("3f1c2a9e-5b7d-4e21-9a0c-1d2e3f4a5b6c");
 const QString NewRoot = QStringLiteral("8a7b6c5d-4e3f-4a1b-8c9d-0e1f2a3b4c5d");
+const QString OldEfi = QStringLiteral("0c0c0c0c-1111-4222-8333-444455556666");
+const QString NewEfi = QStringLiteral("0e0e0e0e-1111-4222-8333-444455556666");
 
 // The source disk sda and the destination sdb: the root, a swap without a label on the
 // destination, and an EFI partition whose UUID vfat writes in capitals.
@@ -105,19 +107,29 @@ void DaemonBootTest::rewritesDeviceTables()
 void DaemonBootTest::makesLoopSystemBootable_data()
 {
     QTest::addColumn<QString>("etc"); // what /etc of the new system is
+    QTest::addColumn<QString>("grub"); // the GRUB the new system has: none, bios, uefi
     QTest::addColumn<int>("code");
-    // No grub-install in a tree this small: the fstab is rewritten, then the answer says so.
-    QTest::newRow("fstab, no GRUB") << "folder" << int(NoGrub);
-    QTest::newRow("no fstab") << "missing" << int(NoFstab);
+    QTest::addColumn<QByteArray>("ran"); // what its GRUB tools were called with; %1 the disk
+    QTest::newRow("fstab, no GRUB") << "folder" << "none" << int(NoGrub) << QByteArray();
+    QTest::newRow("no fstab") << "missing" << "none" << int(NoFstab) << QByteArray();
     // A link out of the new system is not followed, and what it points at is not written.
-    QTest::newRow("etc a link out of the system") << "link" << int(NoFstab);
+    QTest::newRow("etc a link out of the system") << "link" << "none" << int(NoFstab) << QByteArray();
+    QTest::newRow("BIOS") << "folder" << "bios" << int(Success)
+                          << QByteArray("/usr/sbin/grub-install --target=i386-pc %1\n/usr/sbin/update-grub\n");
+    // This machine has no UEFI: the loader also goes to the fallback path, and the answer says
+    // that no boot entry could be written.
+    const QByteArray efi("/usr/sbin/grub-install --target=x86_64-efi --efi-directory=/boot/efi --bootloader-id=debian");
+    QTest::newRow("UEFI on a BIOS machine") << "folder" << "uefi" << int(NotUefiHere)
+                                            << efi + " --no-nvram\n" + efi + " --removable\n/usr/sbin/update-grub\n";
 }
 
 void DaemonBootTest::makesLoopSystemBootable()
 {
     QFETCH(QString, etc);
+    QFETCH(QString, grub);
     QFETCH(int, code);
-    for (const char* tool : {"losetup", "mkfs.ext4", "debugfs"}) {
+    QFETCH(QByteArray, ran);
+    for (const char* tool : {"losetup", "mkfs.ext4", "debugfs", "ldd"}) {
         if (QStandardPaths::findExecutable(QString::fromLatin1(tool), {"/usr/sbin", "/sbin", "/usr/bin"}).isEmpty())
             QSKIP(qPrintable(QStringLiteral("%1 is not installed").arg(tool)));
     }
@@ -128,25 +140,54 @@ void DaemonBootTest::makesLoopSystemBootable()
     QVERIFY(scratch.isValid());
     const QString tree = scratch.filePath("tree");
     const QString outside = scratch.filePath("outside");
-    const QByteArray fstab = "# the old disk\nUUID=" + OldRoot.toLatin1() + " / ext4 errors=remount-ro 0 1\n";
-    QVERIFY(QDir().mkpath(outside) && QDir().mkpath(tree + "/boot"));
-    for (const QString& folder : {QString(tree + "/etc"), outside}) {
-        if ((etc == "folder") == (folder == outside))
-            continue;
-        QFile file(folder + "/fstab");
-        QVERIFY(QDir().mkpath(folder) && file.open(QIODevice::WriteOnly) && file.write(fstab) == fstab.size());
-    }
+    const bool uefi = grub == "uefi";
+    auto put = [](const QString& path, const QByteArray& content, QFile::Permissions mode) {
+        QFile file(path);
+        return QDir().mkpath(QFileInfo(path).path()) && file.open(QIODevice::WriteOnly) && file.write(content) == content.size()
+            && file.setPermissions(mode);
+    };
+    const QFile::Permissions plain = QFile::ReadOwner | QFile::WriteOwner | QFile::ReadOther;
+    QByteArray fstab = "# the old disk\nUUID=" + OldRoot.toLatin1() + " / ext4 errors=remount-ro 0 1\n";
+    if (uefi)
+        fstab += "UUID=" + OldEfi.toLatin1() + " /boot/efi ext4 defaults 0 2\n";
+    QVERIFY(QDir().mkpath(tree + "/boot/efi") && QDir().mkpath(outside));
+    QVERIFY(put((etc == "folder" ? tree + "/etc" : outside) + "/fstab", fstab, plain));
+    QVERIFY(put(tree + "/usr/lib/os-release", "NAME=\"Test\"\nID=debian\n", plain));
     if (etc == "link")
         QVERIFY(QFile::link(outside, tree + "/etc"));
-    QCOMPARE(run("mkfs.ext4", {"-q", "-F", "-U", NewRoot, "-d", tree, scratch.filePath("new.img"), "8M"}).status, 0);
+    if (grub != "none") {
+        // GRUB's tools as scripts that note how they were called, run by this machine's shell.
+        const QString shell = QFileInfo("/bin/sh").canonicalFilePath();
+        QStringList files{shell};
+        for (const QByteArray& line : run("ldd", {shell}).output.split('\n')) {
+            const int slash = line.indexOf('/');
+            if (slash >= 0)
+                files << QString::fromLatin1(line.mid(slash, line.indexOf(' ', slash) - slash));
+        }
+        for (const QString& file : std::as_const(files))
+            QVERIFY(QDir().mkpath(QFileInfo(tree + file).path()) && QFile::copy(file, tree + file));
+        QVERIFY(QDir().mkpath(tree + "/bin") && QFile::link(shell, tree + "/bin/sh"));
+        const QFile::Permissions executable = plain | QFile::ExeOwner;
+        for (const char* tool : {"/usr/sbin/grub-install", "/usr/sbin/update-grub"})
+            QVERIFY(put(tree + tool, "#!/bin/sh\necho \"$0\" \"$@\" >> /grub.log\n", executable));
+        QVERIFY(QDir().mkpath(tree + (uefi ? "/usr/lib/grub/x86_64-efi" : "/usr/lib/grub/i386-pc")));
+    }
+    QCOMPARE(run("mkfs.ext4", {"-q", "-F", "-U", NewRoot, "-d", tree, scratch.filePath("new.img"), "16M"}).status, 0);
     QCOMPARE(run("mkfs.ext4", {"-q", "-F", "-U", OldRoot, scratch.filePath("old.img"), "4M"}).status, 0);
+    QStringList images{"new.img", "old.img"};
+    if (uefi) {
+        // Not FAT: kernels without it run this too; the boot partition named stands for it.
+        QCOMPARE(run("mkfs.ext4", {"-q", "-F", "-U", NewEfi, scratch.filePath("new-efi.img"), "2M"}).status, 0);
+        QCOMPARE(run("mkfs.ext4", {"-q", "-F", "-U", OldEfi, scratch.filePath("old-efi.img"), "2M"}).status, 0);
+        images << "new-efi.img" << "old-efi.img";
+    }
 
     QStringList loops;
     auto detach = qScopeGuard([&] {
         for (const QString& loop : std::as_const(loops))
             run("losetup", {"-d", loop});
     });
-    for (const char* image : {"new.img", "old.img"}) {
+    for (const QString& image : std::as_const(images)) {
         const Run attached = run("losetup", {"--find", "--show", scratch.filePath(image)});
         if (attached.status != 0)
             QSKIP("No free loop device");
@@ -158,6 +199,12 @@ void DaemonBootTest::makesLoopSystemBootable()
     BootabilityTarget target;
     target.destinationDisk = target.osPartition = loops[0];
     target.pairs = {{loops[1], loops[0]}};
+    if (uefi) {
+        target.bootPartition = loops[2];
+        target.pairs.append({loops[3], loops[2]});
+    }
+    target.style = uefi ? BootStyle::Uefi : BootStyle::Bios;
+    target.machineIsUefi = false;
     target.workFolder = work;
     Velmora::Message::MigrationBootability request;
     request.set_driveid(7);
@@ -173,9 +220,12 @@ void DaemonBootTest::makesLoopSystemBootable()
     QVERIFY(mountInfo.open(QIODevice::ReadOnly));
     QVERIFY(!mountInfo.readAll().contains(work.toLocal8Bit()));
     QVERIFY(QDir(work).isEmpty(QDir::AllEntries | QDir::NoDotAndDotDot | QDir::Hidden));
-    const QByteArray written = run("debugfs", {"-R", "cat /etc/fstab", scratch.filePath("new.img")}).output;
+    auto readBack = [&](const char* path) {
+        return run("debugfs", {"-R", QStringLiteral("cat %1").arg(path), scratch.filePath("new.img")}).output;
+    };
     if (etc == "folder")
-        QCOMPARE(written, "# the old disk\nUUID=" + NewRoot.toLatin1() + " / ext4 errors=remount-ro 0 1\n");
+        QCOMPARE(readBack("/etc/fstab"), QByteArray(fstab).replace(OldRoot.toLatin1(), NewRoot.toLatin1()).replace(OldEfi.toLatin1(), NewEfi.toLatin1()));
+    QCOMPARE(readBack("/grub.log"), ran.replace("%1", loops[0].toLatin1()));
     QFile untouched(outside + "/fstab");
     if (etc == "link")
         QVERIFY(untouched.open(QIODevice::ReadOnly) && untouched.readAll() == fstab);
