@@ -158,7 +158,8 @@ private:
             devices.append(pair.destination);
         QVector<DeviceMount> mounts = mountsOfDevices(m_fstab, devices);
         mounts.erase(std::remove_if(mounts.begin(), mounts.end(), [](const DeviceMount& mount) {
-            return mount.mountPoint != QLatin1String("/boot") && !mount.mountPoint.startsWith(QLatin1String("/boot/"));
+            const bool underBoot = mount.mountPoint == QLatin1String("/boot") || mount.mountPoint.startsWith(QLatin1String("/boot/"));
+            return !underBoot || mount.mountPoint.split(QLatin1Char('/')).contains(QLatin1String(".."));
         }), mounts.end());
         std::stable_sort(mounts.begin(), mounts.end(), [](const DeviceMount& a, const DeviceMount& b) {
             return a.mountPoint.size() < b.mountPoint.size();

@@ -56,8 +56,10 @@ ToolRun::Outcome ToolRun::run(const QString& program, const QStringList& argumen
         if (stop || timedOut) {
             process.kill();
             process.waitForFinished(-1);
-            qCWarning(lcBoot).noquote() << command << (stop ? "stopped: the request was withdrawn" : "killed at its time limit of")
-                                        << (stop ? QString() : QStringLiteral("%1 s").arg(timeLimit.count()));
+            if (stop)
+                qCWarning(lcBoot).noquote() << command << "stopped: the request was withdrawn";
+            else
+                qCWarning(lcBoot).noquote() << command << "killed at its time limit of" << timeLimit.count() << "s";
             return stop ? Outcome::Stopped : Outcome::TimedOut;
         }
     }
