@@ -43,7 +43,7 @@ int rewriteTable(int etc, const char* name, DeviceTableKind kind, const QVector<
     const TableRewrite rewrite = rewriteDeviceTable(*old, kind, pairs);
     *text = rewrite.text;
     if (rewrite.changedLines == 0) {
-        qCInfo(lcBoot) << "/etc/" << name << "names no copied partition: left as it is";
+        qCInfo(lcBoot).noquote() << "/etc/" + QString::fromLatin1(name) << "names no copied partition: left as it is";
         return Success;
     }
     QString error;
@@ -258,6 +258,8 @@ int Bootability::configure(const std::atomic_bool& stop) const
             return NotFound;
         }
     }
+    if (stop)
+        return Canceled;
     QString error;
     std::unique_ptr<MountStack> stack = MountStack::create(m_target.workFolder, &error);
     if (!stack) {
