@@ -13,15 +13,18 @@
 #include "server/TerminationSignals.h"
 
 #include <QCoreApplication>
+#include <QDir>
+#include <QFile>
 
 #include <csignal>
+#include <cstdlib>
 #include <cstdio>
 
 using namespace Velmora::Daemon;
 
 namespace {
 
-// Exit codes: 0 normal end, 1 bad command line, 2 the socket is taken or unusable.
+// Exit codes: 0 normal end, 1 bad command line, 2 the socket or the work folder cannot be made.
 constexpr int BadArguments = 1;
 constexpr int CannotListen = 2;
 // Running requests get this long to see their stop flag when the service is told to end.
@@ -58,12 +61,19 @@ int main(int argc, char* argv[])
     if (!policy.groupExists())
         qCWarning(serverLog, "No group \"%s\": only root may run speed tests and change settings", qPrintable(options.group));
 
+    // A migration mounts partitions in a folder of the service's own, which only root may enter.
+    QByteArray workFolder = QFile::encodeName(QDir::tempPath() + QStringLiteral("/kestravind-XXXXXX"));
+    if (!::mkdtemp(workFolder.data())) {
+        qCCritical(serverLog, "Cannot make a work folder in %s", qPrintable(QDir::tempPath()));
+        return CannotListen;
+    }
     // Before the router: its workers use the engines until the router has waited for them.
-    MachineEngines engines({options.includeLoop, options.logDirectory});
+    MachineEngines engines({options.includeLoop, options.logDirectory, QFile::decodeName(workFolder)});
     RequestRouter router(policy);
     router.addHandler(versionHandler(serviceVersion()));
-    router.addHandler(migrationRefusals());
     engines.plugInto(router);
+    // What no engine answers is turned down; a type keeps the first handler it was given.
+    router.addHandler(migrationRefusals());
     QList<quint32> unwired;
     for (quint32 type : engineRequestTypes()) {
         if (!router.isRouted(type))
@@ -74,6 +84,7 @@ int main(int argc, char* argv[])
     ServiceListener listener(router, options.limits);
     if (!listener.listen(options.socketPath, &error)) {
         qCCritical(serverLog, "%s", qPrintable(error));
+        ::rmdir(workFolder.constData());
         return CannotListen;
     }
     TerminationSignals termination;
@@ -89,5 +100,7 @@ int main(int argc, char* argv[])
     listener.shutDown();
     if (!router.waitForWorkers(StopGraceMs))
         qCWarning(serverLog, "Requests still running after %d ms; ending without them", StopGraceMs);
+    // Empty unless a mount was left behind, and then it must stay: nothing is removed recursively.
+    ::rmdir(workFolder.constData());
     return result;
 }

@@ -2,28 +2,26 @@
 
 #include <QString>
 
-#include <atomic>
 #include <memory>
 
 namespace Velmora::Daemon {
 
 class FileEngines;
+class MigrationEngines;
 class RequestRouter;
 
 namespace Devices {
 class DriveRegistry;
 }
 
-namespace Migration {
-class CommandRunner;
-class DiskEngines;
-}
 
 struct EngineOptions {
     // Loop devices are no drives of the machine; tests and demos show their images as drives.
     bool includeLoop = false;
     // The folder of the service's own log, which the log copies take from.
     QString logDirectory;
+    // A folder of the service's own, root only, for the private mounts of a migration.
+    QString workFolder;
 };
 
 // The engines that answer from this machine, plugged into the router: the drive list, the
@@ -40,12 +38,8 @@ public:
 
 private:
     std::unique_ptr<Devices::DriveRegistry> m_drives;
+    std::unique_ptr<MigrationEngines> m_migration;
     std::unique_ptr<FileEngines> m_files;
-    std::unique_ptr<Migration::CommandRunner> m_tools;
-    std::unique_ptr<Migration::DiskEngines> m_disks;
-    // The drive whose partitions the migration's filters were last asked about: the source, which
-    // the destination's erasing must never be. -1 before any.
-    std::atomic<qint64> m_migrationSource {-1};
 };
 
 } // namespace Velmora::Daemon

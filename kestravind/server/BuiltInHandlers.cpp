@@ -43,7 +43,7 @@ public:
         if (!wellFormed(type, payload))
             return nullptr;
         const QString name = Message::typeName(type);
-        qCWarning(serverLog, "Refused %s: this service does not copy files or set up booting", qPrintable(name));
+        qCWarning(serverLog, "Refused %s: not done by this service", qPrintable(name));
         return std::make_unique<FixedCall>(refusalFor(type, payload, Wire::FAILED,
             QStringLiteral("%1 is not done by this service").arg(name)));
     }

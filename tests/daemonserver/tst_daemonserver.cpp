@@ -215,11 +215,11 @@ void DaemonServerTest::answers_data()
     QTest::newRow("payload that does not parse")
         << QList<QByteArray>{FrameReader::encode(Message::CleanDisk, QByteArray("\xFF\xFF\xFF", 3))}
         << int(Message::Error) << int(Wire::INVALID_REQUEST) << QStringLiteral("the payload of CleanDisk does not parse");
-    Wire::MigrationBootability boot;
-    boot.set_driveid(2);
-    QTest::newRow("boot set-up refused")
-        << QList<QByteArray>{frame(Message::MigrationBootability, boot)} << int(Message::MigrationBootability)
-        << int(Wire::FAILED) << QStringLiteral("Refused MigrationBootability: this service does not copy files or set up booting");
+    Wire::PartitionRemove remove;
+    remove.set_driveid(2);
+    QTest::newRow("partition removal refused")
+        << QList<QByteArray>{frame(Message::PartitionRemove, remove)} << int(Message::PartitionRemove)
+        << int(Wire::FAILED) << QStringLiteral("Refused PartitionRemove: not done by this service");
     QTest::newRow("drive list") << QList<QByteArray>{FrameReader::encode(Message::SystemInfoRequest, {})}
                                 << int(Message::SystemInfo) << -1 << QString();
 }
@@ -253,7 +253,7 @@ void DaemonServerTest::answers()
         Wire::SystemInfo drives;
         QVERIFY(drives.ParseFromArray(answer.payload.constData(), answer.payload.size()));
     } else {
-        Wire::MigrationBootability refused;
+        Wire::PartitionRemove refused;
         QVERIFY(refused.ParseFromArray(answer.payload.constData(), answer.payload.size()));
         QCOMPARE(int(refused.code()), code);
         QCOMPARE(refused.driveid(), 2u);

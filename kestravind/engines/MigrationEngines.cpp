@@ -1,0 +1,109 @@
+#include "MigrationEngines.h"
+
+#include "boot/BootStyle.h"
+#include "boot/Bootability.h"
+#include "devices/DriveRegistry.h"
+#include "migration/CommandRunner.h"
+#include "migration/DiskEngines.h"
+#include "server/EngineHandler.h"
+#include "server/RequestRouter.h"
+
+#include "message/Message.h"
+
+#include "Migration.pb.h"
+
+namespace Velmora::Daemon {
+
+using Velmora::Message::Message;
+namespace Wire = Velmora::Message;
+
+MigrationEngines::MigrationEngines(Devices::DriveRegistry& drives, QString workFolder)
+    : m_drives(drives)
+    , m_workFolder(std::move(workFolder))
+    , m_tools(std::make_unique<Migration::ProcessRunner>())
+    // A disk is written only if a scan made at that moment still lists it under the id asked for.
+    , m_disks(std::make_unique<Migration::DiskEngines>(*m_tools, [this](quint32 driveId) {
+        m_drives.rescan();
+        return devicePathOf(driveId);
+    }))
+{
+}
+
+MigrationEngines::~MigrationEngines() = default;
+
+void MigrationEngines::plugInto(RequestRouter& router)
+{
+    // The wizard waits for one answer to each and takes any code but 0 for a failure, so there is
+    // no interim answer.
+    router.addHandler(std::make_unique<EngineHandler<Wire::CleanDisk, Wire::CleanDisk>>(
+        Message::CleanDisk, Message::CleanDisk,
+        [this](const Wire::CleanDisk& request, const PeerCredentials&, const std::atomic_bool& stop, const auto&) {
+            // A new migration: what the last one copied says nothing of this one.
+            {
+                const std::lock_guard<std::mutex> lock(m_pairsMutex);
+                m_pairs.clear();
+            }
+            const qint64 source = m_source;
+            return m_disks->cleanDisk(request, source < 0 ? QString() : devicePathOf(quint32(source)), stop);
+        },
+        QStringLiteral("clean disk")));
+    router.addHandler(std::make_unique<EngineHandler<Wire::PartitionCreate, Wire::PartitionCreate>>(
+        Message::PartitionCreate, Message::PartitionCreate,
+        [this](const Wire::PartitionCreate& request, const PeerCredentials&, const std::atomic_bool& stop,
+            const auto&) { return m_disks->createPartition(request, stop); },
+        QStringLiteral("create partition")));
+    router.addHandler(std::make_unique<EngineHandler<Wire::PartitionFormat, Wire::PartitionFormat>>(
+        Message::PartitionFormat, Message::PartitionFormat,
+        [this](const Wire::PartitionFormat& request, const PeerCredentials&, const std::atomic_bool& stop,
+            const auto&) { return m_disks->formatPartition(request, stop); },
+        QStringLiteral("format partition")));
+
+    router.addHandler(std::make_unique<EngineHandler<Wire::MigrationBootability, Wire::MigrationBootability>>(
+        Message::MigrationBootability, Message::MigrationBootability,
+        [this](const Wire::MigrationBootability& request, const PeerCredentials&, const std::atomic_bool& stop,
+            const auto&) {
+            // The new partitions came after the last scan.
+            m_drives.rescan();
+            Boot::BootabilityTarget target;
+            target.destinationDisk = devicePathOf(request.driveid());
+            const auto os = m_drives.partition(request.driveid(), request.ospartitionid());
+            const auto boot = m_drives.partition(request.driveid(), request.bootpartitionid());
+            target.osPartition = os ? os->devicePath : QString();
+            target.bootPartition = boot ? boot->devicePath : QString();
+            target.pairs = copiedPairs();
+            target.machineIsUefi = Boot::machineStartedByUefi();
+            bool sourceIsRunning = false;
+            bool sourceHasEfi = false;
+            const qint64 sourceId = m_source;
+            if (const auto source = sourceId < 0 ? std::nullopt : m_drives.drive(quint32(sourceId))) {
+                for (const auto& partition : source->partitions) {
+                    sourceIsRunning = sourceIsRunning || partition.mountPoint == QLatin1String("/");
+                    sourceHasEfi = sourceHasEfi || Boot::isEfiSystemPartition(partition.gptType, partition.mbrType);
+                }
+            }
+            target.style = Boot::sourceBootStyle(sourceIsRunning, target.machineIsUefi, sourceHasEfi);
+            target.workFolder = m_workFolder;
+            return Boot::Bootability(target).run(request, stop);
+        },
+        QStringLiteral("bootability")));
+}
+
+QString MigrationEngines::devicePathOf(quint32 driveId) const
+{
+    const auto drive = m_drives.drive(driveId);
+    return drive ? drive->devicePath : QString();
+}
+
+void MigrationEngines::addCopiedPair(const QString& sourcePartition, const QString& destinationPartition)
+{
+    const std::lock_guard<std::mutex> lock(m_pairsMutex);
+    m_pairs.append({sourcePartition, destinationPartition});
+}
+
+QVector<QPair<QString, QString>> MigrationEngines::copiedPairs() const
+{
+    const std::lock_guard<std::mutex> lock(m_pairsMutex);
+    return m_pairs;
+}
+
+} // namespace Velmora::Daemon
