@@ -1,5 +1,7 @@
 #pragma once
 
+#include "common/ChildProcess.h"
+
 #include <QByteArray>
 #include <QString>
 #include <QStringList>
@@ -20,16 +22,8 @@ struct Command {
     QString text() const;
 };
 
-struct CommandResult {
-    enum class Outcome { Exited, FailedToStart, Crashed, TimedOut, Stopped };
-    Outcome outcome = Outcome::FailedToStart;
-    int exitCode = -1;
-    QByteArray output;
-    QByteArray errors;
-
-    bool succeeded() const { return outcome == Outcome::Exited && exitCode == 0; }
-    QString describe() const;
-};
+// How a run went: its outcome, exit code and what it printed.
+using CommandResult = ChildProcess::Result;
 
 // Every tool that touches a disk runs through here, so that each run is logged with its outcome,
 // and so that the checks before a write can be shown to run nothing at all.

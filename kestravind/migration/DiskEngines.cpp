@@ -66,7 +66,7 @@ DiskEngines::Target DiskEngines::resolve(const char* what, quint32 driveId, cons
 
 Wire::Code DiskEngines::failure(const CommandResult& result, const std::atomic_bool& stop) const
 {
-    return stop || result.outcome == CommandResult::Outcome::Stopped ? Wire::CANCELED : Wire::FAILED;
+    return stop || result.outcome == ChildProcess::Outcome::Stopped ? Wire::CANCELED : Wire::FAILED;
 }
 
 bool DiskEngines::run(const Command& command, const std::atomic_bool& stop, Wire::Code* code, QByteArray* output)

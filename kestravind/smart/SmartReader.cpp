@@ -1,6 +1,6 @@
 #include "SmartReader.h"
 
-#include "ChildProcess.h"
+#include "common/ChildProcess.h"
 #include "SmartErrors.h"
 #include "SmartLog.h"
 #include "SmartctlJson.h"

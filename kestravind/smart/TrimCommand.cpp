@@ -1,6 +1,6 @@
 #include "TrimCommand.h"
 
-#include "ChildProcess.h"
+#include "common/ChildProcess.h"
 #include "SmartLog.h"
 #include "TrimState.h"
 

@@ -6,12 +6,14 @@
 
 #include <atomic>
 #include <chrono>
+#include <utility>
 
-namespace Velmora::Daemon::Smart {
+namespace Velmora::Daemon {
 
 // One run of a helper program on behalf of the service: an argument list (never a shell), a clean
-// environment, no input, and a time limit after which the child is killed and reaped. Runs on the
-// calling thread without an event loop, as the worker threads of the service have none.
+// environment, the given input or none, and a time limit after which the child is killed and
+// reaped. Runs on the calling thread without an event loop, as the worker threads of the service
+// have none.
 class ChildProcess
 {
 public:
@@ -27,10 +29,18 @@ public:
     struct Result {
         Outcome outcome = Outcome::FailedToStart;
         int exitCode = -1;
-        QByteArray output; // standard output; standard error is dropped
+        QByteArray output; // standard output
+        QByteArray errors; // standard error
+
+        bool succeeded() const { return outcome == Outcome::Exited && exitCode == 0; }
+        QString describe() const;
     };
 
     ChildProcess(QString program, QStringList arguments, std::chrono::milliseconds timeLimit);
+
+    void setInput(QByteArray input) { m_input = std::move(input); }
+    // A variable of the child's environment beyond the clean PATH and C locale.
+    void setEnvironment(const QString& name, const QString& value) { m_environment << name << value; }
 
     Result run(const std::atomic_bool& stop) const;
 
@@ -40,6 +50,8 @@ private:
     QString m_program;
     QStringList m_arguments;
     std::chrono::milliseconds m_timeLimit;
+    QByteArray m_input;
+    QStringList m_environment; // name, value, name, value...
 };
 
-} // namespace Velmora::Daemon::Smart
+} // namespace Velmora::Daemon
