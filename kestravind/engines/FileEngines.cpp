@@ -9,6 +9,7 @@
 #include "files/SystemPathsQuery.h"
 #include "server/EngineHandler.h"
 #include "server/FixedCall.h"
+#include "server/Log.h"
 #include "server/RequestRouter.h"
 
 #include "message/Message.h"
@@ -138,6 +139,10 @@ void FileEngines::plugInto(RequestRouter& router)
                 return std::make_unique<FixedCall>(Answer(), FilterTask, true);
             return std::make_unique<FunctionCall>(
                 [this, request](const PeerCredentials& peer, const std::atomic_bool& stop, Reply& reply) {
+                    if (const auto unmounted = unmountedPartition(request.driveid(), request.partitionid())) {
+                        reply.send(Message::MigrationFilterTypeResponse, *unmounted);
+                        return;
+                    }
                     const auto progress = [&reply](const Wire::FileTypeStructure& interim) {
                         reply.send(Message::MigrationFilterTypeResponse, interim);
                     };
@@ -200,6 +205,28 @@ std::string FileEngines::mountPointOf(quint32 driveId, qint32 partitionId) const
 {
     const auto partition = partitionId < 0 ? std::nullopt : m_drives.partition(driveId, quint32(partitionId));
     return partition ? partition->mountPoint.toStdString() : std::string();
+}
+
+std::optional<Wire::FileTypeStructure> FileEngines::unmountedPartition(quint32 driveId, qint32 partitionId) const
+{
+    const auto partition = partitionId < 0 ? std::nullopt : m_drives.partition(driveId, quint32(partitionId));
+    if (!partition || !partition->mountPoint.isEmpty())
+        return std::nullopt;
+    // A volume nobody mounted cannot be walked: all of it goes across, so that the plan never
+    // makes its new place smaller than what it may hold.
+    qCInfo(serverLog, "Partition %u of drive %u is not mounted: its whole size counts as kept", partition->id, driveId);
+    Wire::FileTypeStructure answer;
+    answer.set_code(Wire::SUCCESS);
+    answer.set_driveid(driveId);
+    answer.set_partitionid(partitionId);
+    answer.set_progress(1.0f);
+    answer.set_finished(true);
+    for (quint32 sum : {0u, 1u, 2u}) {
+        auto* entry = answer.add_filetypes();
+        entry->set_id(sum);
+        entry->set_size(sum == 2 ? partition->size : 0);
+    }
+    return answer;
 }
 
 std::vector<std::string> FileEngines::allMountPoints() const

@@ -32,8 +32,7 @@ class MigrationRefusals : public RequestHandler
 public:
     QList<quint32> requestTypes() const override
     {
-        return {Message::PartitionRemove, Message::FileCopyRequest, Message::FileCopyRequestCancel,
-            Message::MigrationBootability};
+        return {Message::PartitionRemove, Message::FileCopyRequest, Message::FileCopyRequestCancel};
     }
 
     std::unique_ptr<Call> decode(quint32 type, const QByteArray& payload) const override
@@ -53,8 +52,7 @@ private:
     {
         switch (type) {
         case Message::PartitionRemove: return parses<Wire::PartitionRemove>(payload);
-        case Message::FileCopyRequest: return parses<Wire::FileCopyRequest>(payload);
-        default: return parses<Wire::MigrationBootability>(payload);
+        default: return parses<Wire::FileCopyRequest>(payload);
         }
     }
 };

@@ -78,9 +78,12 @@ public:
         return QFile::exists(partition(1)) && QFile::exists(partition(2));
     }
 
-    bool mount(const QString& device, const QString& folder)
+    // A loop device attached by other means, detached with this object.
+    void adopt(const QString& device) { m_device = device; }
+
+    bool mount(const QString& device, const QString& folder, const QStringList& options = {})
     {
-        if (!QDir().mkpath(folder) || !run(QStringLiteral("mount"), {device, folder}))
+        if (!QDir().mkpath(folder) || !run(QStringLiteral("mount"), options + QStringList{device, folder}))
             return false;
         m_mounts.append(folder);
         return true;
@@ -89,6 +92,8 @@ public:
     QString device() const { return m_device; }
     QString partition(int number) const { return m_device + QLatin1Char('p') + QString::number(number); }
     QString error() const { return m_error; }
+    // What the last tool that succeeded printed, trimmed.
+    QByteArray output() const { return m_output; }
 
 private:
     static QString findTool(const QString& name)

@@ -71,7 +71,7 @@ void TestRealService::initTestCase()
     qRegisterMetaType<Message::Message::MessageType>();
 
     // 512 MiB, so that the 128 MiB of the speed test fit on the ext4 volume.
-    const QString image = m_folder.filePath(QStringLiteral("disk.img"));
+    const QString image = m_folder.filePath(QStringLiteral("realservice-disk.img"));
     QVERIFY(QFile(image).open(QIODevice::WriteOnly) && QFile::resize(image, 512 << 20));
     m_disk = std::make_unique<LoopDisk>();
     QVERIFY2(m_disk->run(QStringLiteral("sfdisk"), {QStringLiteral("--quiet"), image},
@@ -115,7 +115,7 @@ void TestRealService::initTestCase()
     client->connectToServer();
     QTRY_VERIFY_WITH_TIMEOUT(m_drive = [this]() -> System::Drive* {
         for (int id : m_system->driveIds()) {
-            if (m_system->drive(id)->model() == QLatin1String("disk.img"))
+            if (m_system->drive(id)->model() == QLatin1String("realservice-disk.img"))
                 return m_system->drive(id);
         }
         return nullptr;
