@@ -16,6 +16,7 @@ packages=(
   smartmontools
   libudev-dev libblkid-dev
   fdisk e2fsprogs dosfstools
+  rsync acl attr
 )
 
 missing=()

@@ -1,0 +1,179 @@
+#include "copy/FileCopy.h"
+
+#include "copy/CopyLog.h"
+#include "copy/CopyRules.h"
+#include "copy/PrivateMount.h"
+#include "copy/RsyncOutput.h"
+#include "copy/RsyncRun.h"
+
+#include <exception>
+#include <set>
+
+namespace Velmora::Daemon::Copy {
+
+using Velmora::Message::FileCopyReport;
+namespace Wire = Velmora::Message;
+
+namespace {
+
+using Clock = std::chrono::steady_clock;
+
+// rsync: 23 is "some files could not be transferred", 24 "some files vanished while copying".
+constexpr int PartialTransfer = 23;
+constexpr int VanishedFiles = 24;
+// A tree with more unreadable files than this is reported by its first ones.
+constexpr size_t FaultLimit = 10000;
+
+FileCopyReport ended(Wire::Code code, uint64_t bytes = 0)
+{
+    FileCopyReport report;
+    report.set_code(code);
+    report.set_copiedsize(bytes);
+    return report;
+}
+
+// File systems that hold owners, modes, ACLs and extended attributes; on the others only names,
+// contents and times exist to be kept.
+bool isPosix(const std::string& fileSystem)
+{
+    static const std::set<std::string> posix = {"ext2", "ext3", "ext4", "xfs", "btrfs", "f2fs", "jfs", "reiserfs"};
+    return posix.count(fileSystem) != 0;
+}
+
+std::vector<std::string> rsyncArguments(const std::string& fileSystem, const std::string& filterFile,
+    const std::string& from, const std::string& to)
+{
+    std::vector<std::string> arguments;
+    if (isPosix(fileSystem))
+        arguments = {"-aHAXS", "--numeric-ids"};
+    else
+        arguments = {"-rtS", "--modify-window=1"};
+    arguments.insert(arguments.end(), {"--info=progress2", "--filter=merge " + filterFile, from + '/', to + '/'});
+    return arguments;
+}
+
+bool isAbsoluteDevice(const std::string& path)
+{
+    return path.size() > 5 && path.compare(0, 5, "/dev/") == 0 && path.find("/..") == std::string::npos;
+}
+
+} // namespace
+
+FileCopy::FileCopy(std::string stateDirectory, Options options)
+    : m_stateDirectory(std::move(stateDirectory)), m_options(std::move(options))
+{
+}
+
+FileCopyReport FileCopy::run(const FileCopyJob& job, const std::atomic_bool& stop, const ProgressHandler& progress) const
+{
+    try {
+        return copy(job, stop, progress);
+    } catch (const std::exception& error) {
+        qCWarning(copyLog, "Copy of %s to %s failed: %s", job.source.device.c_str(), job.destination.device.c_str(),
+            error.what());
+    }
+    return ended(Wire::FAILED);
+}
+
+FileCopyReport FileCopy::copy(const FileCopyJob& job, const std::atomic_bool& stop, const ProgressHandler& progress) const
+{
+    const CopyVolume& source = job.source;
+    const CopyVolume& destination = job.destination;
+    if (!isAbsoluteDevice(source.device) || !isAbsoluteDevice(destination.device) || source.device == destination.device) {
+        qCWarning(copyLog, "Copy refused: \"%s\" to \"%s\" are not two partitions", source.device.c_str(),
+            destination.device.c_str());
+        return ended(Wire::INVALID_REQUEST);
+    }
+    if (!destination.mountPoint.empty()) {
+        qCWarning(copyLog, "Copy refused: the destination %s is mounted at %s", destination.device.c_str(),
+            destination.mountPoint.c_str());
+        return ended(Wire::FAILED);
+    }
+    if (stop)
+        return ended(Wire::CANCELED);
+
+    // Declared in this order so that the mounts go before the folder that holds them.
+    const std::unique_ptr<PrivateFolder> folder = PrivateFolder::make(m_stateDirectory);
+    if (!folder)
+        return ended(Wire::FAILED);
+    const auto sourceTarget = folder->makeFolder("source");
+    const auto destinationTarget = folder->makeFolder("destination");
+    const auto filterFile = folder->writeFile("filter", CopyRules::filterText(job.filter, source.mountPoint));
+    if (!sourceTarget || !destinationTarget || !filterFile)
+        return ended(Wire::FAILED);
+    const std::unique_ptr<PrivateMount> sourceMount = source.mountPoint.empty()
+        ? PrivateMount::ofDevice(source.device, source.fileSystem, *sourceTarget, true)
+        : PrivateMount::readOnlyView(source.mountPoint, *sourceTarget);
+    if (!sourceMount)
+        return ended(Wire::FAILED);
+    const std::unique_ptr<PrivateMount> destinationMount
+        = PrivateMount::ofDevice(destination.device, destination.fileSystem, *destinationTarget, false);
+    if (!destinationMount)
+        return ended(Wire::FAILED);
+
+    FileCopyReport report;
+    Clock::time_point lastReport = Clock::now();
+    std::vector<std::string> faultedFiles, faultedDirectories;
+    const auto onOutput = [&](std::string_view line) {
+        const auto parsed = RsyncOutput::parseProgress(line);
+        if (!parsed)
+            return;
+        report.set_copiedsize(parsed->bytes);
+        report.set_copiedfiles(parsed->checkedEntries);
+        report.set_totalfiles(parsed->totalEntries);
+        if (progress && Clock::now() - lastReport >= m_options.reportInterval) {
+            lastReport = Clock::now();
+            FileCopyReport interim = report;
+            interim.set_code(Wire::PROGRESS);
+            progress(interim);
+        }
+    };
+    const auto onError = [&](std::string_view line) {
+        qCWarning(copyLog, "rsync: %.*s", int(line.size()), line.data());
+        const auto fault = RsyncOutput::parseFault(line, *sourceTarget);
+        if (!fault)
+            return;
+        auto& list = fault->directory ? faultedDirectories : faultedFiles;
+        if (list.size() < FaultLimit)
+            list.push_back(CopyRules::programPath(source.mountPoint, fault->relativePath));
+    };
+
+    const std::vector<std::string> arguments
+        = rsyncArguments(source.fileSystem, *filterFile, *sourceTarget, *destinationTarget);
+    qCInfo(copyLog, "Copying %s (%s) to %s (%s) with %s", source.device.c_str(), source.fileSystem.c_str(),
+        destination.device.c_str(), destination.fileSystem.c_str(), m_options.rsync.c_str());
+    const RsyncRun::Result result = RsyncRun(m_options.rsync, arguments, m_options.stallLimit).run(stop, onOutput, onError);
+
+    switch (result.outcome) {
+    case RsyncRun::Outcome::Stopped:
+        qCInfo(copyLog, "Copy of %s stopped on request after %llu bytes", source.device.c_str(),
+            static_cast<unsigned long long>(report.copiedsize()));
+        report.set_code(Wire::CANCELED);
+        return report;
+    case RsyncRun::Outcome::Exited:
+        break;
+    default:
+        qCWarning(copyLog, "Copy of %s failed: rsync did not start, crashed or stalled", source.device.c_str());
+        report.set_code(Wire::FAILED);
+        return report;
+    }
+
+    const bool faultsNamed = !faultedFiles.empty() || !faultedDirectories.empty();
+    if (result.exitCode == 0 || result.exitCode == VanishedFiles || (result.exitCode == PartialTransfer && faultsNamed)) {
+        for (const std::string& file : faultedFiles)
+            report.add_faultedfiles(file);
+        for (const std::string& directory : faultedDirectories)
+            report.add_faulteddirectories(directory);
+        report.set_code(Wire::SUCCESS);
+        qCInfo(copyLog, "Copy of %s to %s finished: %llu bytes, %zu faulted files, %zu faulted folders",
+            source.device.c_str(), destination.device.c_str(), static_cast<unsigned long long>(report.copiedsize()),
+            faultedFiles.size(), faultedDirectories.size());
+        return report;
+    }
+    qCWarning(copyLog, "Copy of %s to %s failed: rsync ended with code %d", source.device.c_str(),
+        destination.device.c_str(), result.exitCode);
+    report.set_code(Wire::FAILED);
+    return report;
+}
+
+} // namespace Velmora::Daemon::Copy
