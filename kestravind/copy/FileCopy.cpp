@@ -44,8 +44,10 @@ std::vector<std::string> rsyncArguments(const std::string& fileSystem, const std
     const std::string& from, const std::string& to)
 {
     std::vector<std::string> arguments;
+    // Times are kept to the nanosecond: with the default window rsync leaves a folder's time as
+    // the copy made it when it differs from the source's by less than a second.
     if (isPosix(fileSystem))
-        arguments = {"-aHAXS", "--numeric-ids"};
+        arguments = {"-aHAXS", "--numeric-ids", "--modify-window=-1"};
     else
         arguments = {"-rtS", "--modify-window=1"};
     arguments.insert(arguments.end(), {"--info=progress2", "--filter=merge " + filterFile, from + '/', to + '/'});

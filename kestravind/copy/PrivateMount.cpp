@@ -3,6 +3,8 @@
 #include "copy/CopyLog.h"
 
 #include <fcntl.h>
+#include <linux/fs.h>
+#include <sys/ioctl.h>
 #include <sys/mount.h>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -43,6 +45,19 @@ std::string readOnlyOptions(const std::string& type)
     if (type == "btrfs")
         return "nologreplay";
     return std::string();
+}
+
+// Sets the read-only flag of a block device; false if it could not be set or was set already.
+bool setDeviceReadOnly(const std::string& device, bool readOnly)
+{
+    const int fd = ::open(device.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK);
+    if (fd < 0)
+        return false;
+    int current = 0;
+    int wanted = readOnly ? 1 : 0;
+    const bool changed = ::ioctl(fd, BLKROGET, &current) == 0 && current != wanted && ::ioctl(fd, BLKROSET, &wanted) == 0;
+    ::close(fd);
+    return changed;
 }
 
 } // namespace
@@ -125,14 +140,20 @@ std::unique_ptr<PrivateMount> PrivateMount::ofDevice(const std::string& device, 
     const std::string type = kernelType(fileSystem);
     const std::string options = readOnly ? readOnlyOptions(type) : std::string();
     const unsigned long flags = Confined | (readOnly ? MS_RDONLY : 0);
+    const bool madeReadOnly = readOnly && setDeviceReadOnly(device, true);
     if (::mount(device.c_str(), target.c_str(), type.c_str(), flags, options.empty() ? nullptr : options.c_str()) != 0) {
         qCWarning(copyLog, "Mounting %s (%s) %s at %s failed: %s", device.c_str(), type.c_str(),
             readOnly ? "read-only" : "read-write", target.c_str(), std::strerror(errno));
+        if (madeReadOnly)
+            setDeviceReadOnly(device, false);
         return nullptr;
     }
     qCInfo(copyLog, "Mounted %s (%s) %s at %s", device.c_str(), type.c_str(), readOnly ? "read-only" : "read-write",
         target.c_str());
-    return std::unique_ptr<PrivateMount>(new PrivateMount(target));
+    std::unique_ptr<PrivateMount> mount(new PrivateMount(target));
+    if (madeReadOnly)
+        mount->m_readOnlyDevice = device;
+    return mount;
 }
 
 std::unique_ptr<PrivateMount> PrivateMount::readOnlyView(const std::string& mountPoint, const std::string& target)
@@ -153,6 +174,13 @@ std::unique_ptr<PrivateMount> PrivateMount::readOnlyView(const std::string& moun
 }
 
 PrivateMount::~PrivateMount()
+{
+    unmount();
+    if (!m_readOnlyDevice.empty() && !setDeviceReadOnly(m_readOnlyDevice, false))
+        qCWarning(copyLog, "%s could not be made writable again", m_readOnlyDevice.c_str());
+}
+
+void PrivateMount::unmount()
 {
     // Processes killed a moment ago may still hold files open for a short while.
     for (int attempt = 0; attempt < 50; ++attempt) {

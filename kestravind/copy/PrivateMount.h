@@ -35,7 +35,9 @@ private:
 class PrivateMount
 {
 public:
-    // The file system on `device`, read-only without replaying its journal, or read-write.
+    // The file system on `device`, read-only without replaying its journal, or read-write. For a
+    // read-only mount the device itself is made read-only while mounted, as a file system that
+    // finds damage records it on its device even when mounted read-only.
     static std::unique_ptr<PrivateMount> ofDevice(const std::string& device, const std::string& fileSystem,
         const std::string& target, bool readOnly);
     // What is mounted at `mountPoint` now, seen read-only at `target` (without the mounts below it).
@@ -49,7 +51,9 @@ public:
 
 private:
     explicit PrivateMount(std::string target) : m_target(std::move(target)) {}
+    void unmount();
     std::string m_target;
+    std::string m_readOnlyDevice; // set read-only for the time of the mount, writable again after
 };
 
 } // namespace Velmora::Daemon::Copy
