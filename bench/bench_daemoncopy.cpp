@@ -166,8 +166,6 @@ double median(std::vector<double> values)
 
 void tearDown()
 {
-    for (const std::string& mount : {g.source, g.destination})
-        run("umount", {q(mount)});
     for (const std::string& loop : {g.sourceLoop, g.destinationLoop}) {
         if (!loop.empty())
             run("losetup", {"-d", q(loop)});

@@ -50,7 +50,9 @@ std::vector<std::string> rsyncArguments(const std::string& fileSystem, const std
         arguments = {"-aHAXS", "--numeric-ids", "--modify-window=-1"};
     else
         arguments = {"-rtS", "--modify-window=1"};
-    arguments.insert(arguments.end(), {"--info=progress2", "--filter=merge " + filterFile, from + '/', to + '/'});
+    // The destination is a fresh file system: writing files in place spares a temporary name and
+    // a rename per file, and a stopped copy leaves a partial file either way.
+    arguments.insert(arguments.end(), {"--inplace", "--info=progress2", "--filter=merge " + filterFile, from + '/', to + '/'});
     return arguments;
 }
 
@@ -116,6 +118,7 @@ FileCopyReport FileCopy::copy(const FileCopyJob& job, const std::atomic_bool& st
     FileCopyReport report;
     Clock::time_point lastReport = Clock::now();
     std::vector<std::string> faultedFiles, faultedDirectories;
+    size_t unlisted = 0;
     const auto onOutput = [&](std::string_view line) {
         const auto parsed = RsyncOutput::parseProgress(line);
         if (!parsed)
@@ -138,12 +141,18 @@ FileCopyReport FileCopy::copy(const FileCopyJob& job, const std::atomic_bool& st
         auto& list = fault->directory ? faultedDirectories : faultedFiles;
         if (list.size() < FaultLimit)
             list.push_back(CopyRules::programPath(source.mountPoint, fault->relativePath));
+        else
+            ++unlisted;
     };
 
     const std::vector<std::string> arguments
         = rsyncArguments(source.fileSystem, *filterFile, *sourceTarget, *destinationTarget);
-    qCInfo(copyLog, "Copying %s (%s) to %s (%s) with %s", source.device.c_str(), source.fileSystem.c_str(),
-        destination.device.c_str(), destination.fileSystem.c_str(), m_options.rsync.c_str());
+    std::string commandLine = m_options.rsync;
+    for (const std::string& argument : arguments)
+        commandLine += ' ' + argument;
+    qCInfo(copyLog, "Copying %s (%s) to %s (%s), leaving out %d paths and %d extensions, keeping %d system paths: %s",
+        source.device.c_str(), source.fileSystem.c_str(), destination.device.c_str(), destination.fileSystem.c_str(),
+        job.filter.paths_size(), job.filter.extensions_size(), job.filter.systempaths_size(), commandLine.c_str());
     const RsyncRun::Result result = RsyncRun(m_options.rsync, arguments, m_options.stallLimit).run(stop, onOutput, onError);
 
     switch (result.outcome) {
@@ -167,6 +176,9 @@ FileCopyReport FileCopy::copy(const FileCopyJob& job, const std::atomic_bool& st
         for (const std::string& directory : faultedDirectories)
             report.add_faulteddirectories(directory);
         report.set_code(Wire::SUCCESS);
+        if (unlisted > 0)
+            qCWarning(copyLog, "%zu more files or folders could not be copied; only the first %zu of each kind are reported",
+                unlisted, FaultLimit);
         qCInfo(copyLog, "Copy of %s to %s finished: %llu bytes, %zu faulted files, %zu faulted folders",
             source.device.c_str(), destination.device.c_str(), static_cast<unsigned long long>(report.copiedsize()),
             faultedFiles.size(), faultedDirectories.size());
