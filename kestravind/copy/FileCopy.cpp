@@ -23,6 +23,8 @@ constexpr int PartialTransfer = 23;
 constexpr int VanishedFiles = 24;
 // A tree with more unreadable files than this is reported by its first ones.
 constexpr size_t FaultLimit = 10000;
+// The journal gets the first of rsync's complaints; the report has the files.
+constexpr size_t LoggedErrorLines = 200;
 
 FileCopyReport ended(Wire::Code code, uint64_t bytes = 0)
 {
@@ -133,8 +135,10 @@ FileCopyReport FileCopy::copy(const FileCopyJob& job, const std::atomic_bool& st
             progress(interim);
         }
     };
+    size_t errorLines = 0;
     const auto onError = [&](std::string_view line) {
-        qCWarning(copyLog, "rsync: %.*s", int(line.size()), line.data());
+        if (++errorLines <= LoggedErrorLines)
+            qCWarning(copyLog, "rsync: %.*s", int(line.size()), line.data());
         const auto fault = RsyncOutput::parseFault(line, *sourceTarget);
         if (!fault)
             return;
