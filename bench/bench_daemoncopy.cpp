@@ -156,7 +156,7 @@ void BM_CopyBesideRsyncAndCp(benchmark::State& state)
         g_cp.push_back(cp);
     }
 }
-BENCHMARK(BM_CopyBesideRsyncAndCp)->Unit(benchmark::kMillisecond)->Iterations(3)->UseManualTime();
+BENCHMARK(BM_CopyBesideRsyncAndCp)->Unit(benchmark::kMillisecond)->Iterations(5)->UseManualTime();
 
 double median(std::vector<double> values)
 {
