@@ -6,24 +6,6 @@ namespace {
 
 bool isDigit(char c) { return c >= '0' && c <= '9'; }
 
-// Reads digits from `pos`, skipping the thousands separators rsync may print.
-std::optional<uint64_t> number(std::string_view text, size_t& pos)
-{
-    const size_t start = pos;
-    uint64_t value = 0;
-    while (pos < text.size() && (isDigit(text[pos]) || ((text[pos] == ',' || text[pos] == '.') && pos > start))) {
-        if (isDigit(text[pos])) {
-            if (value > (UINT64_MAX - 9) / 10)
-                return std::nullopt;
-            value = value * 10 + uint64_t(text[pos] - '0');
-        }
-        ++pos;
-    }
-    if (pos == start)
-        return std::nullopt;
-    return value;
-}
-
 // rsync writes bytes it won't print as "\#ooo".
 std::string unescaped(std::string_view text)
 {
@@ -41,31 +23,6 @@ std::string unescaped(std::string_view text)
 }
 
 } // namespace
-
-std::optional<Progress> parseProgress(std::string_view line)
-{
-    size_t pos = line.find_first_not_of(' ');
-    if (pos == std::string_view::npos)
-        return std::nullopt;
-    const auto bytes = number(line, pos);
-    if (!bytes || pos >= line.size() || line[pos] != ' ')
-        return std::nullopt;
-    Progress progress;
-    progress.bytes = *bytes;
-    size_t chk = line.find("-chk=", pos);
-    if (chk != std::string_view::npos) {
-        size_t at = chk + 5;
-        const auto remaining = number(line, at);
-        if (remaining && at < line.size() && line[at] == '/') {
-            ++at;
-            if (const auto total = number(line, at); total && *total >= *remaining) {
-                progress.totalEntries = *total;
-                progress.checkedEntries = *total - *remaining;
-            }
-        }
-    }
-    return progress;
-}
 
 std::optional<Fault> parseFault(std::string_view line, std::string_view sourceRoot)
 {

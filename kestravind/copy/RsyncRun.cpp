@@ -76,7 +76,8 @@ RsyncRun::RsyncRun(std::string program, std::vector<std::string> arguments, std:
 {
 }
 
-RsyncRun::Result RsyncRun::run(const std::atomic_bool& stop, const LineHandler& onOutput, const LineHandler& onError) const
+RsyncRun::Result RsyncRun::run(const std::atomic_bool& stop, const LineHandler& onOutput, const LineHandler& onError,
+    const TickHandler& onTick) const
 {
     Result result;
     Pipe out, err;
@@ -133,8 +134,10 @@ RsyncRun::Result RsyncRun::run(const std::atomic_bool& stop, const LineHandler& 
             result.outcome = Outcome::Stopped;
             return result;
         }
+        if (onTick && onTick())
+            lastSign = Clock::now();
         if (Clock::now() - lastSign > m_stallLimit) {
-            qCWarning(copyLog, "%s printed nothing for %lld s; killed as stuck", m_program.c_str(),
+            qCWarning(copyLog, "%s showed no progress for %lld s; killed as stuck", m_program.c_str(),
                 static_cast<long long>(std::chrono::duration_cast<std::chrono::seconds>(m_stallLimit).count()));
             killGroup(pid);
             ::waitpid(pid, nullptr, 0);
