@@ -13,6 +13,7 @@
 #include <QCoreApplication>
 #include <QProcess>
 
+#include <sys/mount.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -123,8 +124,9 @@ double toolCopy(const QString& program, const QStringList& arguments)
         return -1;
     }
     const bool copied = run(program, arguments);
-    const bool unmounted = run("umount", {q(g.destination)}) && run("umount", {q(g.source)});
-    return copied && unmounted ? seconds(start) : -1;
+    const bool destinationUnmounted = run("umount", {q(g.destination)});
+    const bool sourceUnmounted = run("umount", {q(g.source)});
+    return copied && destinationUnmounted && sourceUnmounted ? seconds(start) : -1;
 }
 
 void BM_CopyBesideRsyncAndCp(benchmark::State& state)
@@ -166,6 +168,9 @@ double median(std::vector<double> values)
 
 void tearDown()
 {
+    // A copy that failed half-way may have left its mounts.
+    for (const std::string& mount : {g.source, g.destination})
+        ::umount2(mount.c_str(), UMOUNT_NOFOLLOW);
     for (const std::string& loop : {g.sourceLoop, g.destinationLoop}) {
         if (!loop.empty())
             run("losetup", {"-d", q(loop)});
