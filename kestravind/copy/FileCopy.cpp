@@ -28,11 +28,10 @@ constexpr size_t FaultLimit = 10000;
 // The journal gets the first of rsync's complaints; the report has the files.
 constexpr size_t LoggedErrorLines = 200;
 
-FileCopyReport ended(Wire::Code code, uint64_t bytes = 0)
+FileCopyReport ended(Wire::Code code)
 {
     FileCopyReport report;
     report.set_code(code);
-    report.set_copiedsize(bytes);
     return report;
 }
 

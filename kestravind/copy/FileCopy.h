@@ -27,8 +27,9 @@ struct FileCopyJob {
 // read-only view of its present mount), both mounts live in a private folder under
 // `stateDirectory`, and both are gone again when run() returns, whatever the outcome.
 //
-// Interim reports carry PROGRESS and the bytes copied so far; the final one SUCCESS (with the files
-// that could not be read, if any), CANCELED on a stop, or FAILED.
+// Interim reports carry PROGRESS with the bytes and files the destination has gained so far; the
+// final one SUCCESS (with the files and folders that could not be read, if any), CANCELED on a
+// stop, or FAILED (INVALID_REQUEST for devices that are not two partitions).
 class FileCopy
 {
 public:
