@@ -17,6 +17,7 @@ packages=(
   smartmontools
   libudev-dev libblkid-dev
   fdisk e2fsprogs dosfstools xfsprogs btrfs-progs ntfs-3g
+  rsync acl attr
 )
 
 missing=()

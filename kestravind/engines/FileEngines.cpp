@@ -173,6 +173,15 @@ void FileEngines::plugInto(RequestRouter& router)
         [this](const Wire::MigrationFilterSystemPaths& request, const PeerCredentials& peer, const std::atomic_bool&,
             const auto&) {
             m_migrationSourceNamed(request.driveid());
+            // A partition that is there but not mounted has no paths to name; the program waits
+            // for this answer before it asks about the next partition.
+            if (unmountedPartition(request.driveid(), qint32(request.partitionid()))) {
+                Wire::MigrationFilterSystemPaths none = request;
+                none.set_code(Wire::SUCCESS);
+                none.clear_systempaths();
+                none.clear_systemignoredpaths();
+                return none;
+            }
             return Files::SystemPathsQuery().run(
                 request, mountPointOf(request.driveid(), qint32(request.partitionid())), peer);
         }));

@@ -1,11 +1,13 @@
 #include "MigrationEngines.h"
 
 #include "boot/BootStyle.h"
+#include "copy/FileCopy.h"
 #include "boot/Bootability.h"
 #include "devices/DriveRegistry.h"
 #include "migration/CommandRunner.h"
 #include "migration/DiskEngines.h"
 #include "server/EngineHandler.h"
+#include "server/FixedCall.h"
 #include "server/RequestRouter.h"
 
 #include "message/Message.h"
@@ -16,6 +18,31 @@ namespace Velmora::Daemon {
 
 using Velmora::Message::Message;
 namespace Wire = Velmora::Message;
+
+namespace {
+
+// The copy and its cancellation, which stops it and is not answered itself: the copy answers
+// that it was cancelled.
+const QString CopyTask = QStringLiteral("copy");
+
+class CopyCancellation : public RequestHandler
+{
+public:
+    QList<quint32> requestTypes() const override { return {Message::FileCopyRequestCancel}; }
+    std::unique_ptr<Call> decode(quint32, const QByteArray&) const override
+    {
+        return std::make_unique<FixedCall>(Answer(), CopyTask, true);
+    }
+};
+
+Copy::CopyVolume volumeOf(const std::optional<Devices::PartitionRecord>& partition)
+{
+    if (!partition)
+        return {};
+    return {partition->devicePath.toStdString(), partition->fileSystem.toStdString(), partition->mountPoint.toStdString()};
+}
+
+} // namespace
 
 MigrationEngines::MigrationEngines(Devices::DriveRegistry& drives, QString workFolder)
     : m_drives(drives)
@@ -57,6 +84,24 @@ void MigrationEngines::plugInto(RequestRouter& router)
         [this](const Wire::PartitionFormat& request, const PeerCredentials&, const std::atomic_bool& stop,
             const auto&) { return m_disks->formatPartition(request, stop); },
         QStringLiteral("format partition")));
+
+    router.addHandler(std::make_unique<EngineHandler<Wire::FileCopyRequest, Wire::FileCopyReport>>(
+        Message::FileCopyRequest, Message::FileCopyResponse,
+        [this](const Wire::FileCopyRequest& request, const PeerCredentials&, const std::atomic_bool& stop,
+            const auto& progress) {
+            // The destination's partitions came after the last scan.
+            m_drives.rescan();
+            Copy::FileCopyJob job;
+            job.source = volumeOf(m_drives.partition(request.sourcedriveid(), request.sourcepartitionid()));
+            job.destination = volumeOf(m_drives.partition(request.destinationdriveid(), request.destinationpartitionid()));
+            job.filter = request.filter();
+            const Wire::FileCopyReport report = Copy::FileCopy(m_workFolder.toStdString()).run(job, stop, progress);
+            if (report.code() == Wire::SUCCESS)
+                addCopiedPair(QString::fromStdString(job.source.device), QString::fromStdString(job.destination.device));
+            return report;
+        },
+        CopyTask));
+    router.addHandler(std::make_unique<CopyCancellation>());
 
     router.addHandler(std::make_unique<EngineHandler<Wire::MigrationBootability, Wire::MigrationBootability>>(
         Message::MigrationBootability, Message::MigrationBootability,

@@ -17,9 +17,6 @@ namespace Wire = Velmora::Message;
 
 namespace {
 
-// The name of a copy task, shared by the copy and its cancellation.
-const QString CopyTask = QStringLiteral("copy");
-
 template<typename M>
 bool parses(const QByteArray& payload)
 {
@@ -30,30 +27,16 @@ bool parses(const QByteArray& payload)
 class MigrationRefusals : public RequestHandler
 {
 public:
-    QList<quint32> requestTypes() const override
-    {
-        return {Message::PartitionRemove, Message::FileCopyRequest, Message::FileCopyRequestCancel};
-    }
+    QList<quint32> requestTypes() const override { return {Message::PartitionRemove}; }
 
     std::unique_ptr<Call> decode(quint32 type, const QByteArray& payload) const override
     {
-        if (type == Message::FileCopyRequestCancel)
-            return std::make_unique<FixedCall>(Answer(), CopyTask, true);
-        if (!wellFormed(type, payload))
+        if (!parses<Wire::PartitionRemove>(payload))
             return nullptr;
         const QString name = Message::typeName(type);
         qCWarning(serverLog, "Refused %s: not done by this service", qPrintable(name));
         return std::make_unique<FixedCall>(refusalFor(type, payload, Wire::FAILED,
             QStringLiteral("%1 is not done by this service").arg(name)));
-    }
-
-private:
-    static bool wellFormed(quint32 type, const QByteArray& payload)
-    {
-        switch (type) {
-        case Message::PartitionRemove: return parses<Wire::PartitionRemove>(payload);
-        default: return parses<Wire::FileCopyRequest>(payload);
-        }
     }
 };
 

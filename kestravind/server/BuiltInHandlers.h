@@ -14,10 +14,8 @@ struct ServiceVersion {
 
 std::unique_ptr<RequestHandler> versionHandler(const ServiceVersion& version);
 
-// The migration requests that no engine of this build answers (removing a partition, and any
-// other step whose module is left out): each is turned down in its own answer message with a
-// failure code, which the migration wizard shows as its error page, and logged. The copy's
-// cancellation stops a running copy task.
+// Removing a partition, which the program never asks and this service does not do: turned down in
+// its own answer message with a failure code, and logged.
 std::unique_ptr<RequestHandler> migrationRefusals();
 
 // The requests the service knows but has no engine for in this build: an Error message with a

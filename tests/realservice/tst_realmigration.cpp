@@ -135,9 +135,6 @@ void TestRealMigration::movesTheVolume()
     QVERIFY(model->destinationDrives().contains(const_cast<System::Drive*>(target)));
     model->setSourceDriveId(source->id());
     model->setDestDriveId(target->id());
-    QTest::qWait(6000);
-    qWarning().noquote() << "DBGLOG" << m_service.readAll();
-    for (System::Partition* p : model->destinationDrive()->partitions()) { auto* m = static_cast<System::MigrationDestPartition*>(p); qWarning() << "DBG" << m->id() << m->migrate() << m->isPlannable() << m->isInitialized() << m->sizeStatus() << m->size().value() << m->used().value() << m->isCalculating(); }
     // Each partition's size is estimated by the service's walk of its volume first.
     QTRY_VERIFY_WITH_TIMEOUT(model->destinationDrive()->allPartitionsInitialized(), 20000);
     QTRY_VERIFY_WITH_TIMEOUT(model->destinationDrive()->allPartitionsFit(), 20000);

@@ -1,0 +1,7 @@
+#include "copy/CopyLog.h"
+
+namespace Velmora::Daemon::Copy {
+
+Q_LOGGING_CATEGORY(copyLog, "kestravind.copy")
+
+} // namespace Velmora::Daemon::Copy
