@@ -6,6 +6,7 @@
 #include <QElapsedTimer>
 #include <QFile>
 #include <QProcess>
+#include <QRegularExpression>
 #include <QTemporaryDir>
 #include <QTest>
 
@@ -266,6 +267,49 @@ private slots:
         QVERIFY(sinceStop.isValid() && sinceStop.elapsed() < 3000);
         verifyNothingLeft(state);
         QCOMPARE(hashOf(rig.folder.filePath("source.img")), before);
+    }
+
+    void destinationLostEndsInFailure_data()
+    {
+        QTest::addColumn<int>("destinationMib");
+        QTest::addColumn<bool>("unplug");
+        QTest::newRow("unplugged mid-copy") << 400 << true;
+        QTest::newRow("full") << 40 << false;
+    }
+    void destinationLostEndsInFailure()
+    {
+        QFETCH(int, destinationMib);
+        QFETCH(bool, unplug);
+        Rig rig;
+        const QString source = rig.disk("lost-destination-source", 200);
+        const QString destination = rig.disk("lost-destination-target", destinationMib);
+        QVERIFY(!source.isEmpty() && !destination.isEmpty());
+        const QString tree = rig.mount(source, "fill");
+        for (int i = 0; i < 12; ++i)
+            QVERIFY(write(QString("%1/big-%2").arg(tree).arg(i), QByteArray(12 << 20, char('a' + i))));
+        rig.unmount(tree);
+        const QByteArray before = hashOf(rig.folder.filePath("lost-destination-source.img"));
+        const QString state = rig.folder.filePath("state");
+
+        // An unplugged drive: its size drops to nothing, and the loop device goes once unmounted.
+        bool unplugged = false;
+        const auto pull = [&]() {
+            unplugged = QFile::resize(rig.folder.filePath("lost-destination-target.img"), 0)
+                && exec("losetup", {"-c", destination}) && exec("losetup", {"-d", destination});
+            rig.loops.removeOne(destination);
+        };
+        QTest::ignoreMessage(QtWarningMsg, QRegularExpression("^Copy of .* failed"));
+        std::atomic_bool stop {false};
+        const FileCopyJob job {{source.toStdString(), "ext4", ""}, {destination.toStdString(), "ext4", ""}, {}};
+        const Wire::FileCopyReport report = FileCopy(state.toStdString(), QuickReports).run(job, stop, [&](const Wire::FileCopyReport& interim) {
+            if (unplug && interim.copiedsize() > 0 && rig.loops.contains(destination))
+                pull();
+        });
+
+        QCOMPARE(unplugged, unplug);
+        QCOMPARE(report.code(), Wire::FAILED);
+        verifyNothingLeft(state);
+        QCOMPARE(hashOf(rig.folder.filePath("lost-destination-source.img")), before);
     }
 };
 
