@@ -139,9 +139,19 @@ FileCopyReport FileCopy::copy(const FileCopyJob& job, const std::atomic_bool& st
 {
     const CopyVolume& source = job.source;
     const CopyVolume& destination = job.destination;
+    // The glue hands over no device for a partition its list does not hold (any more).
+    if (source.device.empty() || destination.device.empty()) {
+        qCWarning(copyLog, "Copy refused: the %s partition is not in the drive list",
+            source.device.empty() ? "source" : "destination");
+        return ended(Wire::NOT_FOUND);
+    }
     if (!isAbsoluteDevice(source.device) || !isAbsoluteDevice(destination.device) || source.device == destination.device) {
         qCWarning(copyLog, "Copy refused: \"%s\" to \"%s\" are not two partitions", source.device.c_str(),
             destination.device.c_str());
+        return ended(Wire::INVALID_REQUEST);
+    }
+    if (destination.fileSystem.empty()) {
+        qCWarning(copyLog, "Copy refused: the destination %s has no file system", destination.device.c_str());
         return ended(Wire::INVALID_REQUEST);
     }
     if (!destination.mountPoint.empty()) {

@@ -145,6 +145,33 @@ private slots:
         }
     }
 
+    void refusesWhatIsNotThere_data()
+    {
+        QTest::addColumn<QString>("source");
+        QTest::addColumn<QString>("destination");
+        QTest::addColumn<QString>("fileSystem");
+        QTest::addColumn<int>("code");
+        QTest::addColumn<QString>("logLine");
+        QTest::newRow("no source") << "" << "/dev/sdz2" << "ext4" << int(Wire::NOT_FOUND) << "the source partition is not in the drive list";
+        QTest::newRow("no destination") << "/dev/sdz1" << "" << "" << int(Wire::NOT_FOUND) << "the destination partition is not in the drive list";
+        QTest::newRow("unformatted") << "/dev/sdz1" << "/dev/sdz2" << "" << int(Wire::INVALID_REQUEST) << "the destination /dev/sdz2 has no file system";
+    }
+    void refusesWhatIsNotThere()
+    {
+        QFETCH(QString, source);
+        QFETCH(QString, destination);
+        QFETCH(QString, fileSystem);
+        QFETCH(int, code);
+        QFETCH(QString, logLine);
+        const QTemporaryDir folder;
+        const QString state = folder.filePath("state");
+        QTest::ignoreMessage(QtWarningMsg, QRegularExpression("^Copy refused: .*" + QRegularExpression::escape(logLine)));
+        const FileCopyJob job {{source.toStdString(), "ext4", ""}, {destination.toStdString(), fileSystem.toStdString(), ""}, {}};
+        std::atomic_bool stop {false};
+        QCOMPARE(int(FileCopy(state.toStdString(), QuickReports).run(job, stop, {}).code()), code);
+        QVERIFY(!QFile::exists(state));
+    }
+
     void copiesTreeAsItIs_data()
     {
         QTest::addColumn<bool>("sourceMounted");
@@ -291,19 +318,15 @@ private slots:
         const QByteArray before = hashOf(rig.folder.filePath("lost-destination-source.img"));
         const QString state = rig.folder.filePath("state");
 
-        // An unplugged drive: its size drops to nothing, and the loop device goes once unmounted.
-        bool unplugged = false;
-        const auto pull = [&]() {
-            unplugged = QFile::resize(rig.folder.filePath("lost-destination-target.img"), 0)
-                && exec("losetup", {"-c", destination}) && exec("losetup", {"-d", destination});
-            rig.loops.removeOne(destination);
-        };
         QTest::ignoreMessage(QtWarningMsg, QRegularExpression("^Copy of .* failed"));
+        bool unplugged = false;
         std::atomic_bool stop {false};
         const FileCopyJob job {{source.toStdString(), "ext4", ""}, {destination.toStdString(), "ext4", ""}, {}};
         const Wire::FileCopyReport report = FileCopy(state.toStdString(), QuickReports).run(job, stop, [&](const Wire::FileCopyReport& interim) {
-            if (unplug && interim.copiedsize() > 0 && rig.loops.contains(destination))
-                pull();
+            // Pulled: the drive's size drops to nothing, and its loop device goes once unmounted.
+            if (unplug && interim.copiedsize() > 0 && !unplugged)
+                unplugged = QFile::resize(rig.folder.filePath("lost-destination-target.img"), 0) && exec("losetup", {"-c", destination})
+                    && exec("losetup", {"-d", destination}) && rig.loops.removeOne(destination);
         });
 
         QCOMPARE(unplugged, unplug);

@@ -384,12 +384,10 @@ void DaemonFilesTest::unpluggedDriveEndsRequest_data()
 {
     QTest::addColumn<bool>("speedTest");
     QTest::addColumn<QString>("logLine");
-    QTest::newRow("file category scan") << false << "^File category scan of drive 9 failed: the drive could not be read";
+    QTest::newRow("file category scan") << false << "^File category scan of drive 0 failed: the drive could not be read";
     QTest::newRow("speed test") << true << "^Speed test write failed at byte 0";
 }
 
-// A drive pulled while the service works on it: its volume stays mounted, every read and write
-// of it fails. The request must say so, not answer with what it saw before the drive went.
 void DaemonFilesTest::unpluggedDriveEndsRequest()
 {
     QFETCH(bool, speedTest);
@@ -412,7 +410,7 @@ void DaemonFilesTest::unpluggedDriveEndsRequest()
     });
     QCOMPARE(QProcess::execute(QStringLiteral("mount"), {loop, mountPoint}), 0);
     const QStringList before = entriesOf(mountPoint);
-    // Pulled: its size drops to nothing, and the loop device goes away with the unmount.
+    // Pulled while mounted: every read and write fails, and the loop device goes with the unmount.
     QVERIFY(QFile::resize(image, 0));
     QCOMPARE(QProcess::execute(QStringLiteral("losetup"), {"-c", loop}), 0);
     attached = QProcess::execute(QStringLiteral("losetup"), {"-d", loop}) != 0;
@@ -427,8 +425,7 @@ void DaemonFilesTest::unpluggedDriveEndsRequest()
         request.set_blocksize(1 << 20);
         code = SpeedTest().run(request, {mountPoint.toStdString()}, stop).code();
     } else {
-        Wire::FileTypeStructureRequest request;
-        request.set_driveid(9);
+        const Wire::FileTypeStructureRequest request;
         code = FileCategoryScan().run(request, {mountPoint.toStdString()}, stop, {}).code();
     }
     QCOMPARE(code, Wire::FAILED);
