@@ -6,8 +6,12 @@
 #include "copy/RsyncOutput.h"
 #include "copy/RsyncRun.h"
 
+#include <fcntl.h>
 #include <sys/statvfs.h>
+#include <unistd.h>
 
+#include <cerrno>
+#include <cstring>
 #include <exception>
 #include <set>
 
@@ -86,6 +90,28 @@ private:
     uint64_t m_baseFiles = 0;
 };
 
+// rsync is done once the kernel holds the data, not the drive: a drive pulled or failing now
+// shows only when its file system is written out. Errors of the write-back since the mount
+// come back from syncfs, and a file system that hit one may have turned itself read-only.
+bool writtenOut(const std::string& mountPoint, const std::string& device)
+{
+    const int fd = ::open(mountPoint.c_str(), O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC);
+    if (fd < 0) {
+        qCWarning(copyLog, "Cannot open %s to write the copy out: %s", mountPoint.c_str(), std::strerror(errno));
+        return false;
+    }
+    const bool synced = ::syncfs(fd) == 0;
+    const int syncError = errno;
+    struct statvfs info {};
+    const bool readOnly = ::fstatvfs(fd, &info) == 0 && (info.f_flag & ST_RDONLY) != 0;
+    ::close(fd);
+    if (!synced)
+        qCWarning(copyLog, "Writing the copy out to %s failed: %s", device.c_str(), std::strerror(syncError));
+    else if (readOnly)
+        qCWarning(copyLog, "The file system on %s turned read-only during the copy", device.c_str());
+    return synced && !readOnly;
+}
+
 bool isAbsoluteDevice(const std::string& path)
 {
     return path.size() > 5 && path.compare(0, 5, "/dev/") == 0 && path.find("/..") == std::string::npos;
@@ -113,9 +139,19 @@ FileCopyReport FileCopy::copy(const FileCopyJob& job, const std::atomic_bool& st
 {
     const CopyVolume& source = job.source;
     const CopyVolume& destination = job.destination;
+    // The glue hands over no device for a partition its list does not hold (any more).
+    if (source.device.empty() || destination.device.empty()) {
+        qCWarning(copyLog, "Copy refused: the %s partition is not in the drive list",
+            source.device.empty() ? "source" : "destination");
+        return ended(Wire::NOT_FOUND);
+    }
     if (!isAbsoluteDevice(source.device) || !isAbsoluteDevice(destination.device) || source.device == destination.device) {
         qCWarning(copyLog, "Copy refused: \"%s\" to \"%s\" are not two partitions", source.device.c_str(),
             destination.device.c_str());
+        return ended(Wire::INVALID_REQUEST);
+    }
+    if (destination.fileSystem.empty()) {
+        qCWarning(copyLog, "Copy refused: the destination %s has no file system", destination.device.c_str());
         return ended(Wire::INVALID_REQUEST);
     }
     if (!destination.mountPoint.empty()) {
@@ -209,7 +245,14 @@ FileCopyReport FileCopy::copy(const FileCopyJob& job, const std::atomic_bool& st
     }
 
     const bool faultsNamed = !faultedFiles.empty() || !faultedDirectories.empty();
-    if (result.exitCode == 0 || result.exitCode == VanishedFiles || (result.exitCode == PartialTransfer && faultsNamed)) {
+    const bool rsyncDone = result.exitCode == 0 || result.exitCode == VanishedFiles || (result.exitCode == PartialTransfer && faultsNamed);
+    if (rsyncDone && !writtenOut(*destinationTarget, destination.device)) {
+        qCWarning(copyLog, "Copy of %s to %s failed: the destination could not be written", source.device.c_str(),
+            destination.device.c_str());
+        report.set_code(Wire::FAILED);
+        return report;
+    }
+    if (rsyncDone) {
         for (const std::string& file : faultedFiles)
             report.add_faultedfiles(file);
         for (const std::string& directory : faultedDirectories)

@@ -29,7 +29,8 @@ struct FileCopyJob {
 //
 // Interim reports carry PROGRESS with the bytes and files the destination has gained so far; the
 // final one SUCCESS (with the files and folders that could not be read, if any), CANCELED on a
-// stop, or FAILED (INVALID_REQUEST for devices that are not two partitions).
+// stop, or FAILED. Refusals: NOT_FOUND for a partition that is not there (no device given),
+// INVALID_REQUEST for devices that are not two partitions or a destination without a file system.
 class FileCopy
 {
 public:

@@ -119,6 +119,15 @@ Wire::FileTypeStructure FileCategoryScan::run(const Wire::FileTypeStructureReque
             return gone;
         }
     }
+    if (walker.counters().failedFolders) {
+        qCWarning(filesLog, "File category scan of drive %u failed: the drive could not be read (%llu folders)",
+            request.driveid(), static_cast<unsigned long long>(walker.counters().failedFolders));
+        Wire::FileTypeStructure failed;
+        failed.set_code(Wire::FAILED);
+        failed.set_driveid(request.driveid());
+        failed.set_partitionid(request.partitionid());
+        return failed;
+    }
     if (walker.counters().refusedFolders)
         qCWarning(filesLog, "File category scan of drive %u could not open %llu folders", request.driveid(),
             static_cast<unsigned long long>(walker.counters().refusedFolders));

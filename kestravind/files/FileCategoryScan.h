@@ -30,7 +30,7 @@ public:
 
     // Progress goes out with code IN_PROGRESS at most once per interval; the answer is the final
     // one (SUCCESS), or NOT_FOUND once the stop flag was raised: the scan is gone, which is what
-    // the program hears when it stops a scan.
+    // the program hears when it stops a scan. FAILED when the drive fails or vanishes under it.
     Velmora::Message::FileTypeStructure run(const Velmora::Message::FileTypeStructureRequest& request,
         const std::vector<std::string>& mountPoints, const std::atomic_bool& stop, const Progress& progress) const;
 

@@ -26,6 +26,12 @@ PathRules::Match better(const PathRules::Match& a, const PathRules::Match& b)
     return b.priority < a.priority ? b : a;
 }
 
+// An error of the drive itself, not of the folder: the sums can no longer be trusted.
+bool isDriveFault(int error)
+{
+    return error == EIO || error == ENXIO || error == ENODEV || error == EUCLEAN;
+}
+
 } // namespace
 
 TreeWalker::TreeWalker(const PathRules& rules, const std::atomic_bool& stop)
@@ -89,6 +95,7 @@ bool TreeWalker::enterNext(size_t depth)
         // A folder that vanished since it was listed, or was swapped for a link, is simply gone.
         if (errno != ENOENT && errno != ELOOP && errno != ENOTDIR)
             ++m_counters.refusedFolders;
+        m_counters.failedFolders += isDriveFault(errno);
         return false;
     }
     struct stat info {};
@@ -120,6 +127,7 @@ bool TreeWalker::readFolder(size_t depth, std::vector<uint64_t>& sums)
         if (bytes <= 0) {
             if (bytes < 0 && errno != ENOENT)
                 ++m_counters.refusedFolders;
+            m_counters.failedFolders += bytes < 0 && isDriveFault(errno);
             // Subfolders too are entered in inode order, for the same reason as files are read.
             std::sort(frame.subfolders.begin(), frame.subfolders.end());
             return true;

@@ -26,6 +26,7 @@ public:
     struct Counters {
         uint64_t entries = 0;        // every name seen, for progress
         uint64_t refusedFolders = 0; // folders that could not be opened (permissions, descriptors)
+        uint64_t failedFolders = 0;  // of those, folders the drive failed to hand out: gone or broken
     };
 
     TreeWalker(const PathRules& rules, const std::atomic_bool& stop);

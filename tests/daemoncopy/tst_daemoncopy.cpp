@@ -6,6 +6,7 @@
 #include <QElapsedTimer>
 #include <QFile>
 #include <QProcess>
+#include <QRegularExpression>
 #include <QTemporaryDir>
 #include <QTest>
 
@@ -144,6 +145,33 @@ private slots:
         }
     }
 
+    void refusesWhatIsNotThere_data()
+    {
+        QTest::addColumn<QString>("source");
+        QTest::addColumn<QString>("destination");
+        QTest::addColumn<QString>("fileSystem");
+        QTest::addColumn<int>("code");
+        QTest::addColumn<QString>("logLine");
+        QTest::newRow("no source") << "" << "/dev/sdz2" << "ext4" << int(Wire::NOT_FOUND) << "the source partition is not in the drive list";
+        QTest::newRow("no destination") << "/dev/sdz1" << "" << "" << int(Wire::NOT_FOUND) << "the destination partition is not in the drive list";
+        QTest::newRow("unformatted") << "/dev/sdz1" << "/dev/sdz2" << "" << int(Wire::INVALID_REQUEST) << "the destination /dev/sdz2 has no file system";
+    }
+    void refusesWhatIsNotThere()
+    {
+        QFETCH(QString, source);
+        QFETCH(QString, destination);
+        QFETCH(QString, fileSystem);
+        QFETCH(int, code);
+        QFETCH(QString, logLine);
+        const QTemporaryDir folder;
+        const QString state = folder.filePath("state");
+        QTest::ignoreMessage(QtWarningMsg, QRegularExpression("^Copy refused: .*" + QRegularExpression::escape(logLine)));
+        const FileCopyJob job {{source.toStdString(), "ext4", ""}, {destination.toStdString(), fileSystem.toStdString(), ""}, {}};
+        std::atomic_bool stop {false};
+        QCOMPARE(int(FileCopy(state.toStdString(), QuickReports).run(job, stop, {}).code()), code);
+        QVERIFY(!QFile::exists(state));
+    }
+
     void copiesTreeAsItIs_data()
     {
         QTest::addColumn<bool>("sourceMounted");
@@ -266,6 +294,45 @@ private slots:
         QVERIFY(sinceStop.isValid() && sinceStop.elapsed() < 3000);
         verifyNothingLeft(state);
         QCOMPARE(hashOf(rig.folder.filePath("source.img")), before);
+    }
+
+    void destinationLostEndsInFailure_data()
+    {
+        QTest::addColumn<int>("destinationMib");
+        QTest::addColumn<bool>("unplug");
+        QTest::newRow("unplugged mid-copy") << 400 << true;
+        QTest::newRow("full") << 40 << false;
+    }
+    void destinationLostEndsInFailure()
+    {
+        QFETCH(int, destinationMib);
+        QFETCH(bool, unplug);
+        Rig rig;
+        const QString source = rig.disk("lost-destination-source", 200);
+        const QString destination = rig.disk("lost-destination-target", destinationMib);
+        QVERIFY(!source.isEmpty() && !destination.isEmpty());
+        const QString tree = rig.mount(source, "fill");
+        for (int i = 0; i < 12; ++i)
+            QVERIFY(write(QString("%1/big-%2").arg(tree).arg(i), QByteArray(12 << 20, char('a' + i))));
+        rig.unmount(tree);
+        const QByteArray before = hashOf(rig.folder.filePath("lost-destination-source.img"));
+        const QString state = rig.folder.filePath("state");
+
+        QTest::ignoreMessage(QtWarningMsg, QRegularExpression("^Copy of .* failed"));
+        bool unplugged = false;
+        std::atomic_bool stop {false};
+        const FileCopyJob job {{source.toStdString(), "ext4", ""}, {destination.toStdString(), "ext4", ""}, {}};
+        const Wire::FileCopyReport report = FileCopy(state.toStdString(), QuickReports).run(job, stop, [&](const Wire::FileCopyReport& interim) {
+            // Pulled: the drive's size drops to nothing, and its loop device goes once unmounted.
+            if (unplug && interim.copiedsize() > 0 && !unplugged)
+                unplugged = QFile::resize(rig.folder.filePath("lost-destination-target.img"), 0) && exec("losetup", {"-c", destination})
+                    && exec("losetup", {"-d", destination}) && rig.loops.removeOne(destination);
+        });
+
+        QCOMPARE(unplugged, unplug);
+        QCOMPARE(report.code(), Wire::FAILED);
+        verifyNothingLeft(state);
+        QCOMPARE(hashOf(rig.folder.filePath("lost-destination-source.img")), before);
     }
 };
 

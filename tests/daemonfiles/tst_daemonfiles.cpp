@@ -9,6 +9,7 @@
 #include <QFile>
 #include <QProcess>
 #include <QRegularExpression>
+#include <QScopeGuard>
 #include <QTemporaryDir>
 #include <QTest>
 
@@ -84,6 +85,8 @@ private slots:
     void logCopyIsSafe();
     void speedTestLeavesNothingBehind_data();
     void speedTestLeavesNothingBehind();
+    void unpluggedDriveEndsRequest_data();
+    void unpluggedDriveEndsRequest();
 
 private:
     bool isRoot() const { return ::geteuid() == 0; }
@@ -375,6 +378,58 @@ void DaemonFilesTest::speedTestLeavesNothingBehind()
     QCOMPARE(answer.driveid(), 7u);
     QCOMPARE(answer.readspeed() > 0 && answer.writespeed() > 0, code == Wire::SUCCESS);
     QCOMPARE(entriesOf(volume), before);
+}
+
+void DaemonFilesTest::unpluggedDriveEndsRequest_data()
+{
+    QTest::addColumn<bool>("speedTest");
+    QTest::addColumn<QString>("logLine");
+    QTest::newRow("file category scan") << false << "^File category scan of drive 0 failed: the drive could not be read";
+    QTest::newRow("speed test") << true << "^Speed test write failed at byte 0";
+}
+
+void DaemonFilesTest::unpluggedDriveEndsRequest()
+{
+    QFETCH(bool, speedTest);
+    QFETCH(QString, logLine);
+    if (!isRoot() || !QFile::exists(QStringLiteral("/dev/loop-control")))
+        QSKIP("Needs root and loop devices");
+    const QString tree = m_dir.filePath(QStringLiteral("unplugged-tree")), image = m_dir.filePath(QStringLiteral("files-unplugged.img"));
+    const QString mountPoint = m_dir.filePath(QStringLiteral("unplugged"));
+    for (int i = 0; i < 200; ++i)
+        writeFile(QStringLiteral("%1/d%2/e%3/f.txt").arg(tree).arg(i % 20).arg(i), 5000);
+    QVERIFY(QDir().mkpath(mountPoint));
+    QCOMPARE(QProcess::execute(QStringLiteral("mkfs.ext4"), {"-q", "-d", tree, image, "160M"}), 0);
+    const QString loop = run(QStringLiteral("losetup"), {"--find", "--show", image});
+    QVERIFY(loop.startsWith(QLatin1String("/dev/loop")));
+    bool attached = true;
+    const auto cleanUp = qScopeGuard([&] {
+        QProcess::execute(QStringLiteral("umount"), {mountPoint});
+        if (attached)
+            QProcess::execute(QStringLiteral("losetup"), {"-d", loop});
+    });
+    QCOMPARE(QProcess::execute(QStringLiteral("mount"), {loop, mountPoint}), 0);
+    const QStringList before = entriesOf(mountPoint);
+    // Pulled while mounted: every read and write fails, and the loop device goes with the unmount.
+    QVERIFY(QFile::resize(image, 0));
+    QCOMPARE(QProcess::execute(QStringLiteral("losetup"), {"-c", loop}), 0);
+    attached = QProcess::execute(QStringLiteral("losetup"), {"-d", loop}) != 0;
+
+    QTest::ignoreMessage(QtWarningMsg, QRegularExpression(logLine));
+    const std::atomic_bool stop {false};
+    Wire::Code code;
+    if (speedTest) {
+        Wire::DiskPerformanceRequest request;
+        request.set_driveid(9);
+        request.set_filesize(4 << 20);
+        request.set_blocksize(1 << 20);
+        code = SpeedTest().run(request, {mountPoint.toStdString()}, stop).code();
+    } else {
+        const Wire::FileTypeStructureRequest request;
+        code = FileCategoryScan().run(request, {mountPoint.toStdString()}, stop, {}).code();
+    }
+    QCOMPARE(code, Wire::FAILED);
+    QCOMPARE(entriesOf(mountPoint), before);
 }
 
 QTEST_GUILESS_MAIN(DaemonFilesTest)

@@ -105,6 +105,8 @@ private slots:
     void layoutOnLoopDisk();
     void badPlansLeaveTheDisk_data();
     void badPlansLeaveTheDisk();
+    void missingTargetsRefused_data();
+    void missingTargetsRefused();
 
 private:
     std::unique_ptr<LoopDisk> disk(quint64 size, bool readOnly = false);
@@ -324,6 +326,42 @@ void DaemonMigrationTest::badPlansLeaveTheDisk()
     format.mutable_partition()->set_filesystem("zfs_member");
     QCOMPARE(int(engines.formatPartition(format, m_stop).code()), cleaned ? int(Wire::INVALID_REQUEST) : code);
     QCOMPARE(destination->table(), before);
+}
+
+void DaemonMigrationTest::missingTargetsRefused_data()
+{
+    QTest::addColumn<bool>("format");
+    QTest::addColumn<QString>("logLine");
+    QTest::newRow("create on no drive") << false << "Refused PartitionCreate on drive 3 (): it is not in the drive list";
+    QTest::newRow("format on no drive") << true << "Refused PartitionFormat on drive 3 (): it is not in the drive list";
+    QTest::newRow("format of no partition") << true << "Refused PartitionFormat on drive 3 (%1): it has no partition 2";
+}
+
+void DaemonMigrationTest::missingTargetsRefused()
+{
+    QFETCH(bool, format);
+    QFETCH(QString, logLine);
+    const bool listed = logLine.contains(QLatin1String("%1"));
+    const auto target = disk(16 * MiB);
+    const QString path = listed ? target->path : QString();
+    ProcessRunner runner;
+    DiskEngines engines(runner, [path](quint32) { return path; });
+    const Wire::CleanDisk clean;
+    QCOMPARE(int(engines.cleanDisk(clean, QString(), m_stop).code()), int(listed ? Wire::SUCCESS : Wire::NOT_FOUND));
+    const QString tableBefore = target->table();
+    g_log.clear();
+
+    Wire::PartitionFormat request;
+    request.set_driveid(3);
+    *request.mutable_partition() = planned(1, 8, LinuxGuid);
+    request.mutable_partition()->set_id(2);
+    Wire::PartitionCreate create;
+    create.set_driveid(3);
+    *create.mutable_partition() = planned(1, 8, LinuxGuid);
+    const Wire::Code code = format ? engines.formatPartition(request, m_stop).code() : engines.createPartition(create, m_stop).code();
+    QCOMPARE(code, Wire::NOT_FOUND);
+    QCOMPARE(target->table(), tableBefore);
+    QVERIFY2(g_log.contains(logLine.arg(path)), qPrintable(g_log.join(QLatin1Char('\n'))));
 }
 
 QTEST_GUILESS_MAIN(DaemonMigrationTest)
