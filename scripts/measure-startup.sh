@@ -10,30 +10,38 @@
 #   - resident memory after an idle time: VmRSS, PSS and USS (private pages) from smaps_rollup;
 #   - wake-ups over that idle time: voluntary and involuntary context switches of all threads.
 #
-# Kestravin runs three times per round: started alone (it starts its simulated service itself, as
-# on a machine where the service is stopped), with the service already running (as a system
-# service would be), and with -minimized (tray only, starting its service). Each run has a fresh
-# home and temporary directory, so runs never share a service or a single-instance lock. Medians
-# over the rounds are printed with the goals: window no later than GSmartControl's and within
+# Kestravin runs three ways: started alone (it starts its simulated service itself, as on a machine
+# where the service is stopped), with the service already running (as a system service would be),
+# and with -minimized (tray only, starting its service). Each run has a fresh home and temporary
+# directory, so runs never share a service or a single-instance lock.
+#
+# Start-up rounds time the window and the drives. Each program runs alone: it is stopped, with its
+# service, before the next one starts, and the order alternates from round to round (Kestravin just
+# before or just after the bare window), so that neither a program left running nor the order
+# weighs on a figure. The ratio to the bare window is taken within each round and its median
+# printed. Rest rounds then start all programs together and measure memory and wake-ups once they
+# are at rest. Medians are printed with the goals: window no later than GSmartControl's and within
 # twice the bare window's time, drives listed within 0.5 s of the window, resident memory at most
 # 80 % of GSmartControl's.
 #
-#   scripts/measure-startup.sh [-n ROUNDS] [-i IDLE_SECONDS] [-d DRIVES] [-e VAR=value]...
+#   scripts/measure-startup.sh [-n ROUNDS] [-r REST_ROUNDS] [-i IDLE_SECONDS] [-d DRIVES] [-e VAR=value]...
 #
-# ROUNDS defaults to 5, IDLE_SECONDS to 60, DRIVES (the drives of the default scenario, counted in
-# "Add drive: " lines) to 4. -e adds a variable to Kestravin's environment (for example
-# QT_XCB_GL_INTEGRATION=none). SKIP_BUILD=1 uses the build as it is. Raw figures go to
-# ${BUILD_DIR:-build}/measure-startup/results.tsv.
+# ROUNDS (start-up rounds) defaults to 20, REST_ROUNDS to 3, IDLE_SECONDS to 60, DRIVES (the drives
+# of the default scenario, counted in "Add drive: " lines) to 4. -e adds a variable to Kestravin's
+# environment (for example QT_XCB_GL_INTEGRATION=none). SKIP_BUILD=1 uses the build as it is. Raw
+# figures go to ${BUILD_DIR:-build}/measure-startup/startup.tsv and rest.tsv.
 set -euo pipefail
 cd "$(dirname "$0")/.."
 
-rounds=5
+rounds=20
+rest_rounds=3
 idle=60
 drives=4
 extra_env=()
-while getopts "n:i:d:e:" option; do
+while getopts "n:r:i:d:e:" option; do
   case $option in
     n) rounds=$OPTARG ;;
+    r) rest_rounds=$OPTARG ;;
     i) idle=$OPTARG ;;
     d) drives=$OPTARG ;;
     e) extra_env+=("$OPTARG") ;;
@@ -61,7 +69,6 @@ done
 out=$build/measure-startup
 rm -rf "$out"
 mkdir -p "$out"
-results=$out/results.tsv
 tmp_root=/tmp/kvm-$$
 source tests/realstart/helpers.sh
 
@@ -173,51 +180,91 @@ window_ms() {
   field "$1" mapped_ms
 }
 
+# Starts one program of round $1 and waits for its window and its drives; sets pid, window,
+# drives_at and service for it.
+run_program() {
+  local round=$1 program=$2 tag=r$1-$2 log
+  case $program in
+    kestravin) start_run "$tag" "KESTRAVIN SSD" env "${extra_env[@]}" "$bin/kestravin" ;;
+    minimized) start_run "$tag" "" env "${extra_env[@]}" "$bin/kestravin" -minimized ;;
+    gsmartcontrol) start_run "$tag" "GSmartControl" "$gsmartcontrol" ;;
+    # The program turns Qt's OpenGL integration off for itself; the yardstick runs the same way,
+    # or the driver it loads would be most of its time.
+    bare) start_run "$tag" "BARE WINDOW" env QT_XCB_GL_INTEGRATION=none "$bin/barewindow" ;;
+    warm)
+      # The service is up before the program starts, as a system service would be.
+      mkdir -p "$tmp_root/$tag"
+      env TMPDIR="$tmp_root/$tag" HOME="$out/$tag-service" XDG_DATA_HOME="$out/$tag-service/data" \
+        "$bin/Kestravin_Service" --name VelmoraServer --quiet >"$out/$tag-service.out" 2>&1 &
+      poll 30000 grep -q '^Listening on ' "$out/$tag-service.out" || { echo "the service did not listen" >&2; exit 1; }
+      start_run "$tag" "KESTRAVIN SSD" env "${extra_env[@]}" "$bin/kestravin"
+      ;;
+  esac
+  pid[$program]=$run_pid
+  local begin
+  begin=$(field "$run_out" start_epoch_ms)
+  if [ "$program" != minimized ]; then
+    window[$program]=$(window_ms "$run_out")
+    [ -n "${window[$program]}" ] || echo "  $program showed no window (see $run_out)" >&2
+  fi
+  if [ "$program" != gsmartcontrol ] && [ "$program" != bare ]; then
+    log=$out/$tag/data/BRANTEL/KESTRAVIN/Velmora.log
+    if poll 60000 drives_epoch_ms "$log" >/dev/null; then
+      drives_at[$program]=$(($(drives_epoch_ms "$log") - begin))
+    else
+      echo "  $program: fewer than $drives drives in $log" >&2
+    fi
+    service[$program]=$(service_of "$tmp_root/$tag")
+  fi
+}
+
+# Stops the programs of round $1 that are named after it, with their services, and waits until
+# they are gone.
+stop_programs() {
+  local round=$1 program p
+  shift
+  for program in "$@"; do
+    kill -TERM "${pid[$program]}" ${service[$program]:-} 2>/dev/null || true
+  done
+  local wait_deadline=$(($(now_ms) + 10000))
+  for program in "$@"; do
+    for p in ${pid[$program]} ${service[$program]:-}; do
+      while kill -0 "$p" 2>/dev/null && [ "$(now_ms)" -lt "$wait_deadline" ]; do sleep 0.05; done
+      if kill -0 "$p" 2>/dev/null; then kill -KILL "$p" || true; fi
+    done
+  done
+  for program in "$@"; do
+    release_instance_lock "$tmp_root/r$round-$program" "$out/r$round-$program/runtime"
+  done
+}
+
 echo "Machine: $(nproc) cores; load before: $(cut -d' ' -f1-3 /proc/loadavg)" | tee "$out/machine.txt"
-printf 'round\tprogram\twindow_ms\tdrives_ms\trss_kb\tpss_kb\tuss_kb\tgl\twakeups\tservice_rss_kb\tservice_pss_kb\tservice_wakeups\n' >"$results"
+startup=$out/startup.tsv
+rest=$out/rest.tsv
+printf 'round\tprogram\twindow_ms\tdrives_ms\n' >"$startup"
+printf 'round\tprogram\trss_kb\tpss_kb\tuss_kb\tgl\twakeups\tservice_rss_kb\tservice_pss_kb\tservice_wakeups\n' >"$rest"
 
 programs=(kestravin warm minimized gsmartcontrol bare)
 for round in $(seq 1 "$rounds"); do
-  echo "Round $round of $rounds ..."
-  declare -A pid=() window=() drives_at=() service=() begin=() before=()
-  # Each program gets the quiet machine first in every other round.
-  order=(kestravin bare gsmartcontrol warm minimized)
-  [ $((round % 2)) -eq 0 ] && order=(bare gsmartcontrol kestravin minimized warm)
+  echo "Start-up round $round of $rounds ..."
+  declare -A pid=() window=() drives_at=() service=()
+  order=(kestravin bare warm gsmartcontrol minimized)
+  [ $((round % 2)) -eq 0 ] && order=(bare kestravin gsmartcontrol warm minimized)
   for program in "${order[@]}"; do
-    tag=r$round-$program
-    case $program in
-      kestravin) start_run "$tag" "KESTRAVIN SSD" env "${extra_env[@]}" "$bin/kestravin" ;;
-      minimized) start_run "$tag" "" env "${extra_env[@]}" "$bin/kestravin" -minimized ;;
-      gsmartcontrol) start_run "$tag" "GSmartControl" "$gsmartcontrol" ;;
-      # The program turns Qt's OpenGL integration off for itself; the yardstick runs the same way,
-      # or the driver it loads would be most of its time.
-      bare) start_run "$tag" "BARE WINDOW" env QT_XCB_GL_INTEGRATION=none "$bin/barewindow" ;;
-      warm)
-        # The service is up before the program starts, as a system service would be.
-        mkdir -p "$tmp_root/$tag"
-        env TMPDIR="$tmp_root/$tag" HOME="$out/$tag-service" XDG_DATA_HOME="$out/$tag-service/data" \
-          "$bin/Kestravin_Service" --name VelmoraServer --quiet >"$out/$tag-service.out" 2>&1 &
-                poll 30000 grep -q '^Listening on ' "$out/$tag-service.out" || { echo "the service did not listen" >&2; exit 1; }
-        start_run "$tag" "KESTRAVIN SSD" env "${extra_env[@]}" "$bin/kestravin"
-        ;;
-    esac
-    pid[$program]=$run_pid
-    begin[$program]=$(field "$run_out" start_epoch_ms)
-    if [ "$program" != minimized ]; then
-      window[$program]=$(window_ms "$run_out")
-      [ -n "${window[$program]}" ] || echo "  $program showed no window (see $run_out)" >&2
-    fi
-    if [ "$program" != gsmartcontrol ] && [ "$program" != bare ]; then
-      log=$out/$tag/data/BRANTEL/KESTRAVIN/Velmora.log
-      if poll 60000 drives_epoch_ms "$log" >/dev/null; then
-        drives_at[$program]=$(($(drives_epoch_ms "$log") - ${begin[$program]}))
-      else
-        echo "  $program: fewer than $drives drives in $log" >&2
-      fi
-      service[$program]=$(service_of "$tmp_root/$tag")
-    fi
+    run_program "$round" "$program"
+    stop_programs "$round" "$program"
+    printf '%s\t%s\t%s\t%s\n' "$round" "$program" "${window[$program]:-}" "${drives_at[$program]:-}" >>"$startup"
   done
+  unset pid window drives_at service
+done
 
+for round in $(seq 1 "$rest_rounds"); do
+  echo "Rest round $round of $rest_rounds ..."
+  round=rest$round
+  declare -A pid=() window=() drives_at=() service=() before=()
+  for program in "${programs[@]}"; do
+    run_program "$round" "$program"
+  done
   # All at rest together; each process is measured on its own.
   for program in "${programs[@]}"; do
     before[$program]=$(switches "${pid[$program]}")
@@ -235,49 +282,48 @@ for round in $(seq 1 "$rounds"); do
       swake= srss= spss=
     fi
     [ -n "$wake" ] || echo "  $program ended before the idle time was over" >&2
-    printf '%s\t%s\t%s\t%s\t%s\t%s\t%s\t%s\t%s\t%s\t%s\t%s\n' "$round" "$program" "${window[$program]:-}" \
-      "${drives_at[$program]:-}" "$(rss_kb "$p")" "$(pss_kb "$p")" "$(uss_kb "$p")" "$(gl_loaded "$p")" "$wake" \
-      "$srss" "$spss" "$swake" >>"$results"
+    printf '%s\t%s\t%s\t%s\t%s\t%s\t%s\t%s\t%s\t%s\n' "$round" "$program" "$(rss_kb "$p")" "$(pss_kb "$p")" \
+      "$(uss_kb "$p")" "$(gl_loaded "$p")" "$wake" "$srss" "$spss" "$swake" >>"$rest"
   done
-  for program in "${programs[@]}"; do
-    kill -TERM "${pid[$program]}" ${service[$program]:-} 2>/dev/null || true
-  done
-  wait_deadline=$(($(now_ms) + 10000))
-  for program in "${programs[@]}"; do
-    for p in ${pid[$program]} ${service[$program]:-}; do
-      while kill -0 "$p" 2>/dev/null && [ "$(now_ms)" -lt "$wait_deadline" ]; do sleep 0.05; done
-      if kill -0 "$p" 2>/dev/null; then kill -KILL "$p" || true; fi
-    done
-  done
-  release_instance_lock "$tmp_root"/r$round-* "$out"/r$round-*/runtime
-  unset pid window drives_at service begin before
+  stop_programs "$round" "${programs[@]}"
+  unset pid window drives_at service before
 done
 
 echo "Load after: $(cut -d' ' -f1-3 /proc/loadavg)" | tee -a "$out/machine.txt"
 
-# Median of one column for one program ("-" when there is no figure).
+# Median of one column of a table for one program ("-" when there is no figure).
 median() {
-  awk -F'\t' -v program="$1" -v column="$(col "$2")" '
-    NR > 1 && $2 == program && $column != "" {print $column}' "$results" | median_of
+  awk -F'\t' -v program="$2" -v column="$(col "$1" "$3")" '
+    NR > 1 && $2 == program && $column != "" {print $column}' "$1" | median_of
 }
 median_of() {
   sort -n | awk '{v[NR] = $1} END {
     if (NR == 0) {print "-"; exit}
     if (NR % 2) print v[(NR + 1) / 2]; else printf "%.1f\n", (v[NR / 2] + v[NR / 2 + 1]) / 2 }'
 }
-col() { head -n1 "$results" | tr '\t' '\n' | grep -nx "$1" | cut -d: -f1; }
+col() { head -n1 "$1" | tr '\t' '\n' | grep -nx "$2" | cut -d: -f1; }
 mib() { [ "$1" = - ] && echo - || awk -v k="$1" 'BEGIN {printf "%.1f", k / 1024}'; }
 ratio() { { [ "$1" = - ] || [ "$2" = - ]; } && echo - || awk -v a="$1" -v b="$2" 'BEGIN {printf "%.2f", a / b}'; }
 verdict() { [ "$1" = - ] && echo "?" || awk -v r="$1" -v goal="$2" 'BEGIN {print (r <= goal) ? "met" : "MISSED"}'; }
 # Median over the rounds of (drives listed - window mapped) for one program.
 gap() {
-  awk -F'\t' -v program="$1" 'NR > 1 && $2 == program && $3 != "" && $4 != "" {print $4 - $3}' "$results" | median_of
+  awk -F'\t' -v program="$1" 'NR > 1 && $2 == program && $3 != "" && $4 != "" {print $4 - $3}' "$startup" | median_of
+}
+# Median over the start-up rounds of the window time of program $1 divided by program $2's in
+# the same round.
+paired_ratio() {
+  awk -F'\t' -v a="$1" -v b="$2" 'NR > 1 && $3 != "" {w[$1, $2] = $3; r[$1] = 1}
+    END {for (i in r) if ((i, a) in w && (i, b) in w && w[i, b] > 0) printf "%.4f\n", w[i, a] / w[i, b]}' \
+    "$startup" | median_of | awk '$1 == "-" {print; next} {printf "%.2f\n", $1}'
 }
 
 declare -A m
 for program in "${programs[@]}"; do
-  for metric in window_ms drives_ms rss_kb pss_kb uss_kb wakeups service_rss_kb service_pss_kb service_wakeups; do
-    m[$program,$metric]=$(median "$program" "$metric")
+  for metric in window_ms drives_ms; do
+    m[$program,$metric]=$(median "$startup" "$program" "$metric")
+  done
+  for metric in rss_kb pss_kb uss_kb wakeups service_rss_kb service_pss_kb service_wakeups; do
+    m[$program,$metric]=$(median "$rest" "$program" "$metric")
   done
   m[$program,gap]=$(gap "$program")
 done
@@ -295,8 +341,9 @@ row() {
 
 {
   echo
-  echo "Medians of $rounds rounds, ${idle} s idle. Window: the X map event, read as it arrives (well under"
-  echo "1 ms); drives: log timestamps (1 ms). Memory and wake-ups: the GUI process; its simulated service apart."
+  echo "Medians of $rounds start-up rounds (each program alone) and $rest_rounds rest rounds (all together,"
+  echo "${idle} s idle). Window: the X map event, read as it arrives (well under 1 ms); drives: log"
+  echo "timestamps (1 ms). Memory and wake-ups: the GUI process; its simulated service apart."
   echo
   printf '%-34s %14s %14s %14s %14s %14s\n' "" "Kestravin" "K., svc up" "K. -minimized" "GSmartControl" "bare window"
   row "window mapped (ms from start)" window_ms
@@ -307,7 +354,7 @@ row() {
   row "USS after idle (MiB)" uss_kb mib
   printf '%-34s' "OpenGL driver loaded (rounds)"
   for program in "${programs[@]}"; do
-    printf ' %14s' "$(awk -F'\t' -v p="$program" 'NR > 1 && $2 == p && $8 == "yes" {n++} END {print n + 0}' "$results")/$rounds"
+    printf ' %14s' "$(awk -F'\t' -v p="$program" 'NR > 1 && $2 == p && $6 == "yes" {n++} END {print n + 0}' "$rest")/$rest_rounds"
   done
   echo
   row "wake-ups per minute, idle" wakeups
@@ -315,12 +362,13 @@ row() {
   row "service (sim) PSS (MiB)" service_pss_kb mib
   row "service (sim) wake-ups per minute" service_wakeups
   echo
-  echo "Goals (Kestravin starting its service; in brackets with the service already running):"
-  r=$(ratio "${m[kestravin,window_ms]}" "${m[gsmartcontrol,window_ms]}")
-  rw=$(ratio "${m[warm,window_ms]}" "${m[gsmartcontrol,window_ms]}")
+  echo "Goals (Kestravin starting its service; in brackets with the service already running). Window"
+  echo "ratios are medians of the ratios within each round:"
+  r=$(paired_ratio kestravin gsmartcontrol)
+  rw=$(paired_ratio warm gsmartcontrol)
   echo "  window no later than GSmartControl's: ratio $r <= 1.00 $(verdict "$r" 1.0) ($rw $(verdict "$rw" 1.0))"
-  r=$(ratio "${m[kestravin,window_ms]}" "${m[bare,window_ms]}")
-  rw=$(ratio "${m[warm,window_ms]}" "${m[bare,window_ms]}")
+  r=$(paired_ratio kestravin bare)
+  rw=$(paired_ratio warm bare)
   echo "  window within twice the bare window's: ratio $r <= 2.00 $(verdict "$r" 2.0) ($rw $(verdict "$rw" 2.0))"
   echo "  drives within 0.5 s of the window: ${m[kestravin,gap]} ms $(verdict "${m[kestravin,gap]}" 500)" \
     "(${m[warm,gap]} ms $(verdict "${m[warm,gap]}" 500))"
@@ -333,5 +381,5 @@ row() {
   done
   echo
   cat "$out/machine.txt"
-  echo "Raw figures: $results"
+  echo "Raw figures: $startup and $rest"
 } | tee "$out/summary.txt"

@@ -10,6 +10,7 @@
 #include <QDirIterator>
 #include <QFile>
 #include <QFontDatabase>
+#include <QImageReader>
 #include <QLocale>
 #include <QMenu>
 #include <QPixmap>
@@ -63,7 +64,11 @@ bool Application::hasMinimizedOption(const QStringList& arguments)
 
 void Application::createTray()
 {
-    const QPixmap icon(QStringLiteral(":/tray/icon"));
+    // Read as the PNG it is: finding out what a file is loads every image plugin, and the SVG one
+    // with its library, before the window could be shown.
+    QImageReader iconReader(QStringLiteral(":/tray/icon"), "png");
+    iconReader.setAutoDetectImageFormat(false);
+    const QPixmap icon = QPixmap::fromImage(iconReader.read());
     m_trayMenu = new QMenu;
     connect(m_trayMenu->addAction(tr("Show")), &QAction::triggered, this, &Application::showMainWindow);
     m_trayMenu->addSeparator();
