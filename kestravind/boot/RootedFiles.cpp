@@ -42,23 +42,6 @@ QString lastError(const char* what)
 
 } // namespace
 
-UniqueFd::~UniqueFd()
-{
-    if (m_fd >= 0)
-        ::close(m_fd);
-}
-
-UniqueFd& UniqueFd::operator=(UniqueFd&& other) noexcept
-{
-    if (this != &other) {
-        if (m_fd >= 0)
-            ::close(m_fd);
-        m_fd = other.m_fd;
-        other.m_fd = -1;
-    }
-    return *this;
-}
-
 UniqueFd openBeneath(int root, const QString& relative, int flags)
 {
     return UniqueFd(openat2(root, relative.toLocal8Bit(), flags,

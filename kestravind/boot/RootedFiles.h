@@ -1,29 +1,13 @@
 #pragma once
 
+#include "common/UniqueFd.h"
+
 #include <QByteArray>
 #include <QString>
 
 #include <optional>
 
 namespace Velmora::Daemon::Boot {
-
-// A file descriptor that closes itself.
-class UniqueFd
-{
-public:
-    explicit UniqueFd(int fd = -1) : m_fd(fd) {}
-    ~UniqueFd();
-    UniqueFd(UniqueFd&& other) noexcept : m_fd(other.m_fd) { other.m_fd = -1; }
-    UniqueFd& operator=(UniqueFd&& other) noexcept;
-    UniqueFd(const UniqueFd&) = delete;
-    UniqueFd& operator=(const UniqueFd&) = delete;
-
-    int get() const { return m_fd; }
-    bool valid() const { return m_fd >= 0; }
-
-private:
-    int m_fd;
-};
 
 // The system being made bootable is content copied from a disk, not something the service trusts:
 // a symbolic link in it must never lead a write, or a mount, out of it. These open paths below a

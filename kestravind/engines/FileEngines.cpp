@@ -75,6 +75,14 @@ private:
     const Decoder m_decoder;
 };
 
+void addMountPoints(const Devices::DriveRecord& drive, std::vector<std::string>& mountPoints)
+{
+    for (const auto& partition : drive.partitions) {
+        if (!partition.mountPoint.isEmpty())
+            mountPoints.push_back(partition.mountPoint.toStdString());
+    }
+}
+
 // A drive is scanned by one task at a time; scans of several drives run side by side.
 QString categoryTask(quint32 driveId)
 {
@@ -201,12 +209,8 @@ void FileEngines::plugInto(RequestRouter& router)
 std::vector<std::string> FileEngines::mountPointsOf(quint32 driveId) const
 {
     std::vector<std::string> mountPoints;
-    if (const auto drive = m_drives.drive(driveId)) {
-        for (const auto& partition : drive->partitions) {
-            if (!partition.mountPoint.isEmpty())
-                mountPoints.push_back(partition.mountPoint.toStdString());
-        }
-    }
+    if (const auto drive = m_drives.drive(driveId))
+        addMountPoints(*drive, mountPoints);
     return mountPoints;
 }
 
@@ -241,12 +245,8 @@ std::optional<Wire::FileTypeStructure> FileEngines::unmountedPartition(quint32 d
 std::vector<std::string> FileEngines::allMountPoints() const
 {
     std::vector<std::string> mountPoints;
-    for (const auto& drive : m_drives.drives()) {
-        for (const auto& partition : drive.partitions) {
-            if (!partition.mountPoint.isEmpty())
-                mountPoints.push_back(partition.mountPoint.toStdString());
-        }
-    }
+    for (const auto& drive : m_drives.drives())
+        addMountPoints(drive, mountPoints);
     return mountPoints;
 }
 

@@ -2,7 +2,7 @@
 
 #include "files/FilesLog.h"
 #include "files/ScopedUserAccess.h"
-#include "files/UniqueFd.h"
+#include "common/UniqueFd.h"
 #include "files/VolumePath.h"
 
 #include <dirent.h>

@@ -1,7 +1,7 @@
 #include "files/SpeedTest.h"
 
 #include "files/FilesLog.h"
-#include "files/UniqueFd.h"
+#include "common/UniqueFd.h"
 #include "files/VolumePath.h"
 
 #include <fcntl.h>

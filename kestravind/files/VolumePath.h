@@ -1,6 +1,6 @@
 #pragma once
 
-#include "files/UniqueFd.h"
+#include "common/UniqueFd.h"
 
 #include <optional>
 #include <string>

@@ -2,7 +2,7 @@
 
 #include <unistd.h>
 
-namespace Velmora::Daemon::Files {
+namespace Velmora::Daemon {
 
 // Owns one file descriptor and closes it on every way out.
 class UniqueFd
@@ -40,4 +40,4 @@ private:
     int m_fd = -1;
 };
 
-} // namespace Velmora::Daemon::Files
+} // namespace Velmora::Daemon
