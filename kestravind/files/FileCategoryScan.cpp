@@ -96,18 +96,14 @@ Wire::FileTypeStructure FileCategoryScan::run(const Wire::FileTypeStructureReque
     }
 
     TreeWalker walker(rules, stop);
-    auto lastReport = std::chrono::steady_clock::now();
-    walker.setBatchHook([&]() {
-        const auto now = std::chrono::steady_clock::now();
-        if (!progress || now - lastReport < m_progressInterval)
-            return;
-        lastReport = now;
-        Wire::FileTypeStructure report = answerOf(request, categories, sums);
-        report.set_code(Wire::IN_PROGRESS);
-        const double done = expected ? double(walker.counters().entries) / double(expected) : 0.0;
-        report.set_progress(float(std::min(done, 0.99)));
-        progress(report);
-    });
+    if (progress) {
+        walker.setProgress(m_progressInterval, expected, [&](float done) {
+            Wire::FileTypeStructure report = answerOf(request, categories, sums);
+            report.set_code(Wire::IN_PROGRESS);
+            report.set_progress(done);
+            progress(report);
+        });
+    }
 
     for (const auto& volume : volumes) {
         if (!walker.walk(volume.second.get(), sums)) {

@@ -79,18 +79,14 @@ Wire::FileTypeStructure FilterSizeScan::run(const Wire::FileTypeStructureRequest
     std::vector<uint64_t> sums(SumCount, 0);
     const uint64_t expected = TreeWalker::usedEntries(root.get());
     TreeWalker walker(rules, stop);
-    auto lastReport = std::chrono::steady_clock::now();
-    walker.setBatchHook([&]() {
-        const auto now = std::chrono::steady_clock::now();
-        if (!progress || now - lastReport < m_progressInterval)
-            return;
-        lastReport = now;
-        Wire::FileTypeStructure report = answerOf(request, Wire::IN_PROGRESS);
-        addSums(report, sums);
-        const double done = expected ? double(walker.counters().entries) / double(expected) : 0.0;
-        report.set_progress(float(std::min(done, 0.99)));
-        progress(report);
-    });
+    if (progress) {
+        walker.setProgress(m_progressInterval, expected, [&](float done) {
+            Wire::FileTypeStructure report = answerOf(request, Wire::IN_PROGRESS);
+            addSums(report, sums);
+            report.set_progress(done);
+            progress(report);
+        });
+    }
     if (!walker.walk(root.get(), sums))
         return answerOf(request, Wire::CANCELED);
     if (walker.counters().refusedFolders)

@@ -161,9 +161,29 @@ bool TreeWalker::readFolder(size_t depth, std::vector<uint64_t>& sums)
             const PathRules::Match match = better(frame.inherited, m_rules.pathMatch(m_rules.child(frame.ruleNode, file.name)));
             sums[size_t(m_rules.bucketOf(file.name, match))] += uint64_t(info.st_size);
         }
-        if (m_batchHook)
-            m_batchHook();
+        reportProgress();
     }
+}
+
+void TreeWalker::setProgress(std::chrono::milliseconds interval, uint64_t expectedEntries, Progress progress)
+{
+    m_progressInterval = interval;
+    m_expectedEntries = expectedEntries;
+    m_progress = std::move(progress);
+    m_lastReport = std::chrono::steady_clock::now();
+}
+
+void TreeWalker::reportProgress()
+{
+    if (!m_progress)
+        return;
+    const auto now = std::chrono::steady_clock::now();
+    if (now - m_lastReport < m_progressInterval)
+        return;
+    m_lastReport = now;
+    // The count of used inodes is an estimate: the last stretch is told by the final answer.
+    const double done = m_expectedEntries ? double(m_counters.entries) / double(m_expectedEntries) : 0.0;
+    m_progress(float(std::min(done, 0.99)));
 }
 
 void TreeWalker::addSubfolder(Frame& frame, ino_t inode, const char* name)

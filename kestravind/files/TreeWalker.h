@@ -5,6 +5,7 @@
 #include <sys/types.h>
 
 #include <atomic>
+#include <chrono>
 #include <cstdint>
 #include <functional>
 #include <string>
@@ -31,8 +32,10 @@ public:
 
     TreeWalker(const PathRules& rules, const std::atomic_bool& stop);
 
-    // Runs after every batch of entries; the stop flag is read before each batch.
-    void setBatchHook(std::function<void()> hook) { m_batchHook = std::move(hook); }
+    // How far a walk has got, as a share of `expectedEntries` below 1, told at most once per
+    // `interval`, between two batches of entries (the stop flag is read before each batch).
+    using Progress = std::function<void(float done)>;
+    void setProgress(std::chrono::milliseconds interval, uint64_t expectedEntries, Progress progress);
 
     // Walks the open folder `directory` (not closed here). `sums` needs a slot for every bucket
     // of the rules. False when the stop flag ended the walk.
@@ -66,7 +69,12 @@ private:
 
     const PathRules& m_rules;
     const std::atomic_bool& m_stop;
-    std::function<void()> m_batchHook;
+    void reportProgress();
+
+    std::chrono::milliseconds m_progressInterval {0};
+    uint64_t m_expectedEntries = 0;
+    Progress m_progress;
+    std::chrono::steady_clock::time_point m_lastReport;
     std::vector<Frame> m_frames;
     size_t m_depth = 0;
     std::vector<char> m_buffer;
