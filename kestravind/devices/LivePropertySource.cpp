@@ -9,10 +9,13 @@ namespace Velmora::Daemon::Devices {
 
 namespace {
 
-bool hasProbedKeys(const Properties& properties)
+// udev reads a device again some time after it changed: a partition formatted a moment ago may
+// still have the record of its empty start. What udev says of a file system is therefore checked
+// by a probe of our own wherever it names none; a disk with a partition table has no file system
+// of its own to look for.
+bool needsProbe(const Properties& properties)
 {
-    return properties.contains(QStringLiteral("ID_FS_TYPE")) || properties.contains(QStringLiteral("ID_PART_TABLE_TYPE"))
-        || properties.contains(QStringLiteral("ID_PART_ENTRY_SCHEME"));
+    return !properties.contains(QStringLiteral("ID_FS_TYPE")) && !properties.contains(QStringLiteral("ID_PART_TABLE_TYPE"));
 }
 
 } // namespace
@@ -46,7 +49,7 @@ Properties LivePropertySource::properties(const QString& name, const QString& de
             udev_device_unref(device);
         }
     }
-    if (!initialized || !hasProbedKeys(properties)) {
+    if (!initialized || needsProbe(properties)) {
         const Properties probed = probeWithBlkid(devicePath);
         for (auto it = probed.constBegin(); it != probed.constEnd(); ++it) {
             if (!properties.contains(it.key()))

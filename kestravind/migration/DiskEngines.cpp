@@ -6,6 +6,7 @@
 #include "PartitionTable.h"
 
 #include <QFileInfo>
+#include <QStandardPaths>
 #include <QThread>
 
 #include <algorithm>
@@ -21,6 +22,10 @@ constexpr std::chrono::milliseconds TableTimeLimit{60000};
 // How long the kernel gets to show a partition device after it was told about it.
 constexpr int PartitionWaitMs = 10000;
 constexpr int PartitionPollMs = 50;
+// udev opens a disk whose table changed to read it again, and the kernel does not drop a partition
+// that is open; a few tries a little apart see it through.
+constexpr int DropAttempts = 5;
+constexpr int DropPauseMs = 200;
 
 Command tool(const char* program, QStringList arguments, QByteArray input = {})
 {
@@ -115,8 +120,7 @@ Wire::CleanDisk DiskEngines::cleanDisk(const Wire::CleanDisk& request, const QSt
     if (!run(tool("wipefs", {QStringLiteral("-a"), target.devicePath}), stop, &code)
         || !run(tool("sfdisk", {QStringLiteral("-q"), QStringLiteral("--no-reread"), QStringLiteral("--no-tell-kernel"),
                                    target.devicePath}, script), stop, &code)
-        || (!BlockDevices::partitions(target.disk).isEmpty()
-            && !run(tool("partx", {QStringLiteral("-d"), target.devicePath}), stop, &code))) {
+        || (!BlockDevices::partitions(target.disk).isEmpty() && !dropPartitions(target.devicePath, stop, &code))) {
         answer.set_code(code);
         return answer;
     }
@@ -131,6 +135,29 @@ Wire::CleanDisk DiskEngines::cleanDisk(const Wire::CleanDisk& request, const QSt
         gpt ? "GPT" : "MBR");
     answer.set_code(Wire::SUCCESS);
     return answer;
+}
+
+bool DiskEngines::dropPartitions(const QString& devicePath, const std::atomic_bool& stop, Wire::Code* code)
+{
+    for (int attempt = 1;; ++attempt) {
+        waitForUdev(stop);
+        if (run(tool("partx", {QStringLiteral("-d"), devicePath}), stop, code))
+            return true;
+        if (attempt == DropAttempts || stop)
+            return false;
+        QThread::msleep(DropPauseMs * attempt);
+    }
+}
+
+void DiskEngines::waitForUdev(const std::atomic_bool& stop)
+{
+    // Machines without udev (containers) have nothing to wait for.
+    static const QString udevadm = QStandardPaths::findExecutable(QStringLiteral("udevadm"),
+        {QStringLiteral("/usr/bin"), QStringLiteral("/bin"), QStringLiteral("/usr/sbin"), QStringLiteral("/sbin")});
+    if (udevadm.isEmpty() || !QFileInfo::exists(QStringLiteral("/run/udev/control")))
+        return;
+    Wire::Code ignored = Wire::SUCCESS;
+    run(Command{udevadm, {QStringLiteral("settle"), QStringLiteral("--timeout=10")}, {}, TableTimeLimit}, stop, &ignored);
 }
 
 bool DiskEngines::showPartition(const QString& disk, quint32 number, const std::atomic_bool& stop, Wire::Code* code)
