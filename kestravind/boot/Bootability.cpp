@@ -109,6 +109,8 @@ public:
             code = Canceled;
         if (code == Success)
             code = installGrub(job, *grub, stop);
+        if (code == Success)
+            code = checkMenuRoot(job, m_target.osPartition);
         if (code == Success && m_target.style == BootStyle::Uefi)
             code = writeEfiEntry(job, m_efiDevice, stop);
         return code;

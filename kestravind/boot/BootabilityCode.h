@@ -23,6 +23,7 @@ enum BootabilityCode : int {
     EfiToolMissing = 15,     // efibootmgr is not installed here
     EfiEntryFailed = 16,     // efibootmgr failed or timed out
     UnmountFailed = 17,      // something stayed mounted after the work
+    GrubMenuByDevicePath = 18, // the menu names the new root by this machine's device path, not its UUID
 };
 
 } // namespace Velmora::Daemon::Boot

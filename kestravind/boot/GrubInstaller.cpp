@@ -22,6 +22,8 @@ using namespace std::chrono_literals;
 constexpr std::chrono::seconds InstallLimit = 300s;
 constexpr std::chrono::seconds MenuLimit = 300s;
 constexpr std::chrono::seconds EntryLimit = 60s;
+// A menu of many kernels is some tens of kilobytes.
+constexpr qint64 MenuSizeLimit = 4 * 1024 * 1024;
 
 const QString Chroot = QStringLiteral("/usr/sbin/chroot");
 
@@ -106,6 +108,27 @@ int installGrub(const GrubJob& job, const GrubTools& tools, const std::atomic_bo
         code = inChroot(job, install, InstallLimit, GrubInstallFailed, stop);
     }
     return code == Success ? inChroot(job, tools.menuCommand, MenuLimit, GrubConfigFailed, stop) : code;
+}
+
+int checkMenuRoot(const GrubJob& job, const QString& osPartition)
+{
+    const QByteArray byPath = "root=" + osPartition.toLocal8Bit();
+    for (const char* folder : {"boot/grub", "boot/grub2"}) {
+        const UniqueFd directory = openBeneath(job.root, QString::fromLatin1(folder), O_RDONLY | O_DIRECTORY);
+        const std::optional<QByteArray> menu = directory.valid() ? readFileAt(directory.get(), "grub.cfg", MenuSizeLimit)
+                                                                 : std::nullopt;
+        for (int at = menu ? menu->indexOf(byPath) : -1; at >= 0; at = menu->indexOf(byPath, at + 1)) {
+            // root=/dev/sdb2 but not root=/dev/sdb22
+            const int end = at + byPath.size();
+            if (end == menu->size() || QByteArrayLiteral(" \t\n\"'").contains(menu->at(end))) {
+                qCWarning(lcBoot).noquote() << QStringLiteral("GRUB's menu /%1/grub.cfg starts the new system by its device "
+                                                              "path on this machine (%2), not by its UUID: is udev running?")
+                                                   .arg(QString::fromLatin1(folder), QString::fromLatin1(byPath));
+                return GrubMenuByDevicePath;
+            }
+        }
+    }
+    return Success;
 }
 
 int writeEfiEntry(const GrubJob& job, const QString& espDevice, const std::atomic_bool& stop)

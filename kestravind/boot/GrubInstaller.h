@@ -39,6 +39,12 @@ std::optional<GrubTools> findGrub(const GrubJob& job);
 // any firmware tries. Returns a BootabilityCode.
 int installGrub(const GrubJob& job, const GrubTools& tools, const std::atomic_bool& stop);
 
+// Checks the menu the system's tools wrote: one that names the system's root by this machine's
+// name for the partition (root=/dev/sdb2) starts nothing once the disk is moved to another port or
+// the old disk is taken out. GRUB names it so where the machine has no /dev/disk/by-uuid link for
+// the new file system, which udev makes. Returns a BootabilityCode.
+int checkMenuRoot(const GrubJob& job, const QString& osPartition);
+
 // Adds this machine's UEFI boot entry for the loader the system installed on partition
 // `espDevice` of `disk`. Returns a BootabilityCode.
 int writeEfiEntry(const GrubJob& job, const QString& espDevice, const std::atomic_bool& stop);

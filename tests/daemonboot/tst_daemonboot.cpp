@@ -102,15 +102,17 @@ void DaemonBootTest::rewritesDeviceTables()
 void DaemonBootTest::makesLoopSystemBootable_data()
 {
     QTest::addColumn<QString>("etc"); // what /etc of the new system is
-    QTest::addColumn<QString>("grub"); // the GRUB the new system has: none, bios, uefi
+    QTest::addColumn<QString>("grub"); // the GRUB the new system has: none, bios, uefi; bios-path writes a menu naming the root by its device
     QTest::addColumn<int>("code");
     QTest::addColumn<QByteArray>("ran"); // what its GRUB tools were called with; %1 the disk
     QTest::newRow("fstab, no GRUB") << "folder" << "none" << int(NoGrub) << QByteArray();
     QTest::newRow("no fstab") << "missing" << "none" << int(NoFstab) << QByteArray();
     // A link out of the new system is not followed, and what it points at is not written.
     QTest::newRow("etc a link out of the system") << "link" << "none" << int(NoFstab) << QByteArray();
-    QTest::newRow("BIOS") << "folder" << "bios" << int(Success)
-                          << QByteArray("/usr/sbin/grub-install --target=i386-pc %1\n/usr/sbin/update-grub\n");
+    const QByteArray bios("/usr/sbin/grub-install --target=i386-pc %1\n/usr/sbin/update-grub\n");
+    QTest::newRow("BIOS") << "folder" << "bios" << int(Success) << bios;
+    // A machine without udev: the moved disk would not find its root by that name.
+    QTest::newRow("BIOS, menu by device path") << "folder" << "bios-path" << int(GrubMenuByDevicePath) << bios;
     // This machine has no UEFI: the loader also goes to the fallback path, and the answer says
     // that no boot entry could be written.
     const QByteArray efi("/usr/sbin/grub-install --target=x86_64-efi --efi-directory=/boot/efi --bootloader-id=debian");
@@ -162,8 +164,15 @@ void DaemonBootTest::makesLoopSystemBootable()
         for (const QString& file : std::as_const(files))
             QVERIFY(QDir().mkpath(QFileInfo(tree + file).path()) && QFile::copy(file, tree + file));
         QVERIFY(QDir().mkpath(tree + "/bin") && QFile::link(shell, tree + "/bin/sh"));
-        for (const char* tool : {"/usr/sbin/grub-install", "/usr/sbin/update-grub"})
-            QVERIFY(put(tree + tool, "#!/bin/sh\necho \"$0\" \"$@\" >> /grub.log\n", plain | QFile::ExeOwner));
+        const QByteArray log = "#!/bin/sh\necho \"$0\" \"$@\" >> /grub.log\n";
+        // The menu's root as GRUB names it: by UUID, or by the device mounted at / without udev.
+        const QByteArray menu = log
+            + "while read -r line; do case \"$line\" in *' / / '*) device=${line#* - }; device=${device#* }; device=${device%% *};; esac;"
+              " done </proc/self/mountinfo\n"
+            + "echo \"linux /vmlinuz root=" + (grub == "bios-path" ? "$device" : "UUID=" + NewRoot.toLatin1()) + " ro\" >/boot/grub/grub.cfg\n";
+        QVERIFY(put(tree + "/usr/sbin/grub-install", log, plain | QFile::ExeOwner));
+        QVERIFY(put(tree + "/usr/sbin/update-grub", menu, plain | QFile::ExeOwner));
+        QVERIFY(QDir().mkpath(tree + "/boot/grub"));
         QVERIFY(QDir().mkpath(tree + (uefi ? "/usr/lib/grub/x86_64-efi" : "/usr/lib/grub/i386-pc")));
     }
     // The EFI partitions are not FAT, so that kernels without it run this too; the boot partition
