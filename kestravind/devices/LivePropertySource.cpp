@@ -15,7 +15,8 @@ namespace {
 // of its own to look for.
 bool needsProbe(const Properties& properties)
 {
-    return !properties.contains(QStringLiteral("ID_FS_TYPE")) && !properties.contains(QStringLiteral("ID_PART_TABLE_TYPE"));
+    return properties.value(QStringLiteral("ID_FS_TYPE")).isEmpty()
+        && properties.value(QStringLiteral("ID_PART_TABLE_TYPE")).isEmpty();
 }
 
 } // namespace
@@ -52,7 +53,7 @@ Properties LivePropertySource::properties(const QString& name, const QString& de
     if (!initialized || needsProbe(properties)) {
         const Properties probed = probeWithBlkid(devicePath);
         for (auto it = probed.constBegin(); it != probed.constEnd(); ++it) {
-            if (!properties.contains(it.key()))
+            if (properties.value(it.key()).isEmpty())
                 properties.insert(it.key(), it.value());
         }
     }

@@ -3,6 +3,7 @@
 #include "boot/BootStyle.h"
 #include "copy/FileCopy.h"
 #include "boot/Bootability.h"
+#include "common/UdevQueue.h"
 #include "devices/DriveRegistry.h"
 #include "migration/CommandRunner.h"
 #include "migration/DiskEngines.h"
@@ -89,7 +90,8 @@ void MigrationEngines::plugInto(RequestRouter& router)
         Message::FileCopyRequest, Message::FileCopyResponse,
         [this](const Wire::FileCopyRequest& request, const PeerCredentials&, const std::atomic_bool& stop,
             const auto& progress) {
-            // The destination's partitions came after the last scan.
+            // The destination's partitions came after the last scan; their records, after udev.
+            waitForUdevQueue(stop);
             m_drives.rescan();
             Copy::FileCopyJob job;
             job.source = volumeOf(m_drives.partition(request.sourcedriveid(), request.sourcepartitionid()));
@@ -107,7 +109,8 @@ void MigrationEngines::plugInto(RequestRouter& router)
         Message::MigrationBootability, Message::MigrationBootability,
         [this](const Wire::MigrationBootability& request, const PeerCredentials&, const std::atomic_bool& stop,
             const auto&) {
-            // The new partitions came after the last scan.
+            // The new partitions came after the last scan; their records, after udev.
+            waitForUdevQueue(stop);
             m_drives.rescan();
             Boot::BootabilityTarget target;
             target.destinationDisk = devicePathOf(request.driveid());

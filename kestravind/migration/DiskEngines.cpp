@@ -5,8 +5,9 @@
 #include "MigrationLog.h"
 #include "PartitionTable.h"
 
+#include "common/UdevQueue.h"
+
 #include <QFileInfo>
-#include <QStandardPaths>
 #include <QThread>
 
 #include <algorithm>
@@ -140,24 +141,13 @@ Wire::CleanDisk DiskEngines::cleanDisk(const Wire::CleanDisk& request, const QSt
 bool DiskEngines::dropPartitions(const QString& devicePath, const std::atomic_bool& stop, Wire::Code* code)
 {
     for (int attempt = 1;; ++attempt) {
-        waitForUdev(stop);
+        waitForUdevQueue(stop);
         if (run(tool("partx", {QStringLiteral("-d"), devicePath}), stop, code))
             return true;
         if (attempt == DropAttempts || stop)
             return false;
         QThread::msleep(DropPauseMs * attempt);
     }
-}
-
-void DiskEngines::waitForUdev(const std::atomic_bool& stop)
-{
-    // Machines without udev (containers) have nothing to wait for.
-    static const QString udevadm = QStandardPaths::findExecutable(QStringLiteral("udevadm"),
-        {QStringLiteral("/usr/bin"), QStringLiteral("/bin"), QStringLiteral("/usr/sbin"), QStringLiteral("/sbin")});
-    if (udevadm.isEmpty() || !QFileInfo::exists(QStringLiteral("/run/udev/control")))
-        return;
-    Wire::Code ignored = Wire::SUCCESS;
-    run(Command{udevadm, {QStringLiteral("settle"), QStringLiteral("--timeout=10")}, {}, TableTimeLimit}, stop, &ignored);
 }
 
 bool DiskEngines::showPartition(const QString& disk, quint32 number, const std::atomic_bool& stop, Wire::Code* code)

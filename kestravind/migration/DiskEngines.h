@@ -47,7 +47,6 @@ private:
         QByteArray* output = nullptr);
     bool showPartition(const QString& disk, quint32 number, const std::atomic_bool& stop, Velmora::Message::Code* code);
     bool dropPartitions(const QString& devicePath, const std::atomic_bool& stop, Velmora::Message::Code* code);
-    void waitForUdev(const std::atomic_bool& stop);
 
     CommandRunner& m_runner;
     const DiskLookup m_lookup;
