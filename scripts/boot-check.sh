@@ -2,8 +2,9 @@
 # An operating-system migration done for real on this machine and checked the only way that
 # counts: by starting the migrated disk.
 #
-#   1. A small Debian system (debootstrap, cached) on a source disk image: an MBR partition with the
-#      boot flag, ext4, GRUB for BIOS, a serial console, kestravind installed.
+#   1. A small Debian system (debootstrap, cached) on a source disk image: ext4 on an MBR partition
+#      with the boot flag, or (gpt) on a GPT partition behind a BIOS boot partition; GRUB for BIOS,
+#      a serial console, kestravind installed.
 #   2. The source booted in QEMU to its login prompt: a known good start.
 #   3. kestravind started with that system as its root, in a mount namespace of its own and a chroot,
 #      so that in its eyes the source is the running system; beside it an empty destination
@@ -14,16 +15,23 @@
 #   5. The destination booted alone in QEMU: login prompt, log in, and the root it mounted must be
 #      the new disk's partition by the new file system's UUID.
 #
-#   scripts/boot-check.sh
+#   scripts/boot-check.sh [mbr|gpt]
 #
 # Needs root, loop devices, network on the first run (debootstrap from Debian's mirror), QEMU
 # (KVM makes a boot take seconds instead of minutes) and a build of kestravin, kestravind and
-# x11probe. Work, images and logs go to ${BOOT_CHECK_DIR:-/var/tmp/kestravin-boot-check}; the
-# debootstrapped tree stays there for the next run.
+# x11probe. Work, images and logs go to ${BOOT_CHECK_DIR:-/var/tmp/kestravin-boot-check}/run-<table>;
+# the debootstrapped tree stays there for the next run.
 set -euo pipefail
 cd "$(dirname "$0")/.."
 
+table=${1:-mbr}
 work=${BOOT_CHECK_DIR:-/var/tmp/kestravin-boot-check}
+case $table in
+  mbr) layout=$'label: dos\nstart=2048, type=83, bootable\n'; system_number=1 ;;
+  gpt) layout=$'label: gpt\nstart=2048, size=2048, type=21686148-6449-6E6F-744E-656564454649\nstart=4096, type=0FC63DAF-8483-4772-8E79-3D69D8477DE4\n'
+       system_number=2 ;;
+  *) echo "usage: $0 [mbr|gpt]" >&2; exit 1 ;;
+esac
 bin=$(cd "${BUILD_DIR:-build}/bin" && pwd)
 probe=$bin/x11probe
 password=kestravin
@@ -41,7 +49,7 @@ done
 [ ${#missing[@]} -eq 0 ] || DEBIAN_FRONTEND=noninteractive apt-get install -y -qq "${missing[@]}"
 
 mkdir -p "$work"
-run=$work/run
+run=$work/run-$table
 udevd=
 rm -rf "$run"
 mkdir -p "$run/shots"
@@ -62,6 +70,7 @@ cleanup() {
   return 0
 }
 trap cleanup EXIT
+trap 'exit 1' INT TERM
 
 # Attaches image $1 as loop device $attached and waits for its partition devices; the kernel here
 # may leave reading the table to partx.
@@ -69,7 +78,7 @@ attach() {
   attached=$(losetup --find --show --partscan "$1")
   loops+=("$attached")
   partx --add "$attached" 2>/dev/null || true
-  poll 10000 test -b "${attached}p1" || { echo "no partition device for $attached" >&2; exit 1; }
+  poll 10000 test -b "${attached}p$system_number" || { echo "no partition devices for $attached" >&2; exit 1; }
 }
 
 in_chroot() { # root command...
@@ -105,17 +114,18 @@ fi
 
 source_image=$run/source.img
 destination_image=$run/BRANTEL-bootcheck.img
-log "source image: 2 GiB, MBR, one bootable ext4 partition"
+log "source image: 2 GiB, $table table, the system on ext4 partition $system_number"
 truncate -s 2G "$source_image"
-printf 'label: dos\nstart=2048, type=83, bootable\n' | sfdisk --quiet "$source_image"
+sfdisk --quiet "$source_image" <<<"$layout"
 attach "$source_image"
 source_loop=$attached
-mkfs.ext4 -q -L debian-root "${source_loop}p1"
-source_uuid=$(blkid -o value -s UUID "${source_loop}p1")
+system=${source_loop}p$system_number
+mkfs.ext4 -q -L debian-root "$system"
+source_uuid=$(blkid -o value -s UUID "$system")
 settle
 root=$run/source-root
 mkdir -p "$root"
-mount "${source_loop}p1" "$root"
+mount "$system" "$root"
 mounts+=("$root")
 cp -a "$tree"/. "$root"/
 echo "UUID=$source_uuid / ext4 errors=remount-ro 0 1" >"$root/etc/fstab"
@@ -145,7 +155,7 @@ truncate -s 12G "$destination_image"
 destination_loop=$(losetup --find --show "$destination_image")
 loops+=("$destination_loop")
 mkdir -p /run/kestravin
-log "kestravind with ${source_loop}p1 as its root; destination $destination_loop"
+log "kestravind with $system as its root; destination $destination_loop"
 unshare --mount --propagation private -- sh -euc '
   root=$1
   mount "$2" "$root"
@@ -154,7 +164,7 @@ unshare --mount --propagation private -- sh -euc '
   mount --bind /run/kestravin "$root/run/kestravin"
   mount --bind /run/udev "$root/run/udev"
   exec chroot "$root" /usr/sbin/kestravind --include-loop
-' sh "$root" "${source_loop}p1" >"$run/kestravind.log" 2>&1 &
+' sh "$root" "$system" >"$run/kestravind.log" 2>&1 &
 service=$!
 pids+=("$service")
 poll 20000 test -S /run/kestravin/VelmoraServer || { echo "kestravind does not listen" >&2; exit 1; }
@@ -203,9 +213,16 @@ click $((W * 26 / 100)) 250 0.5; xdotool key Down Return; sleep 0.6
 click $((W * 74 / 100)) 250 0.5; xdotool key Down Return; sleep 0.8
 shot drives-chosen 0.3
 lead_on 1.5
-sleep 20
-sleep 5
+sleep 25
 shot partitions
+if [ "$table" = gpt ]; then
+  # The program gives every partition that is not the system's own at least 100 MB, and the system
+  # partition has taken the whole disk: the system partition (second row) gives up some room and
+  # the 1 MiB BIOS boot partition (first row) takes 150 MB, typed in as a user would.
+  click $((W - 356)) 397 0.2; xdotool key ctrl+a type 12000; xdotool key Return; sleep 0.5
+  click $((W - 356)) 358 0.2; xdotool key ctrl+a type 150; xdotool key Return
+  shot bios-boot-enlarged
+fi
 lead_on 1
 shot warning
 lead_on 1.5
@@ -216,10 +233,8 @@ sleep 3
 shot end
 grep -a 'Bootability message received\|Migration has finished\|Migration process failed' "$run/program.out" \
   | sed 's/\x1b\[[0-9;]*m//g' | tee -a "$run/boot-check.log"
-kill "$program"
-kill "$service"
+kill "$program" "$service"
 wait "$service" 2>/dev/null || true
-pids=()
 grep -q 'Migration has finished' "$run/program.out" || { log "FAILED: the migration did not finish"; exit 1; }
 
 # What the service left behind: nothing mounted from either disk.
@@ -227,7 +242,7 @@ if grep -q "^${source_loop}\|^${destination_loop}" /proc/mounts; then
   log "FAILED: something of the disks is still mounted"; exit 1
 fi
 settle
-new_uuid=$(blkid -o value -s UUID "${destination_loop}p1")
+new_uuid=$(blkid -o value -s UUID -t TYPE=ext4 "$destination_loop"p* || true)
 
 # 5. The destination boots on its own, from the new file system.
 for loop in "${loops[@]}"; do partx --delete "$loop" 2>/dev/null || true; losetup -d "$loop"; done
@@ -236,7 +251,7 @@ log "booting the destination alone (its system partition: UUID $new_uuid; the so
 python3 scripts/boot-console.py "$destination_image" "$password" "$run/destination-console.txt" \
   'findmnt -no SOURCE,UUID /' 'cat /etc/fstab' | tee -a "$run/boot-check.log"
 console=$(sed 's/\x1b\[[0-9;?]*[a-zA-Z]//g' "$run/destination-console.txt" | tr -d '\r')
-if [ "$new_uuid" != "$source_uuid" ] && grep -q "^/dev/vda1 $new_uuid\$" <<<"$console" \
+if [ "$new_uuid" != "$source_uuid" ] && [ -n "$new_uuid" ] && grep -q "^/dev/vda[0-9]* $new_uuid\$" <<<"$console" \
   && grep -q "^UUID=$new_uuid / ext4" <<<"$console"; then
   log "PASSED: the migrated disk started on its own and mounted its new system partition"
 else

@@ -14,6 +14,10 @@ namespace Velmora::Daemon::Devices {
 namespace {
 
 const QString efiSystemGuid = QStringLiteral("c12a7328-f81f-11d2-ba4b-00a0c93ec93b");
+// Where GRUB keeps its core on a GPT disk that a BIOS starts: the partition such a machine boots
+// from, as the EFI system partition is for UEFI. The program asks for a migrated system to be made
+// bootable only when its disk has a partition marked bootable.
+const QString biosBootGuid = QStringLiteral("21686148-6449-6e6f-744e-656564454649");
 // Containers of logical partitions; the kernel shows them as two sectors, the table knows better.
 const QVector<quint32> extendedMbrTypes = {0x05, 0x0F, 0x1F, 0x3B, 0x85, 0x91, 0x9B, 0xC5, 0xCF, 0xD5, 0xE1, 0xE4};
 const quint64 legacyBiosBootable = 1ULL << 2;
@@ -271,7 +275,8 @@ std::optional<PartitionRecord> DriveEnumerator::readPartition(
         partition.gptId = properties.value(QStringLiteral("ID_PART_ENTRY_UUID")).toLower();
         partition.gptName = decodedValue(properties.value(QStringLiteral("ID_PART_ENTRY_NAME")));
         partition.gptAttributes = flags;
-        partition.bootable = partition.gptType == efiSystemGuid || (flags & legacyBiosBootable);
+        partition.bootable =
+            partition.gptType == efiSystemGuid || partition.gptType == biosBootGuid || (flags & legacyBiosBootable);
     } else if (scheme == QLatin1String("dos")) {
         partition.type = PartitionStyle::Mbr;
         partition.mbrType = static_cast<quint32>(hexOrDecimal(entryType));

@@ -210,13 +210,16 @@ private slots:
                                     << "1|1048576|20480000000|MBR||||c|boot||vfat|Quillet Stick|/home/alex/Quillet Stick|/dev/sdb1|24000000";
         QTest::newRow("extended, its size from the table") << "Stick 3.0" << 1 << "2|20481048576|11433934848|MBR||||5||||||/dev/sdb2|0";
         QTest::newRow("logical") << "Stick 3.0" << 2 << "5|20482097152|10240000000|MBR||||83||logical|ext4|||/dev/sdb5|0";
+        // GRUB's core for a BIOS on a GPT disk: the partition such a machine starts from.
+        QTest::newRow("BIOS boot") << "demo disk.img" << 0
+                                   << "1|1048576|65011712|GPT|21686148-6449-6e6f-744e-656564454649|||0|boot|||||/dev/loop0p1|0";
     }
 
     void partitionFacts()
     {
         QFETCH(QString, model);
         QFETCH(int, index);
-        const SystemInfo info = recordedMachine(false);
+        const SystemInfo info = recordedMachine(true);
         const DriveInfo* drive = findDrive(info, model);
         QVERIFY(drive && index < drive->partitions_size());
         QTEST(describe(drive->partitions(index)), "expected");
