@@ -1,6 +1,7 @@
 // A whole migration by the program's own migration code against the real service: a GPT disk
 // image with an ext4 volume full of files of several kinds, moved onto an empty disk image whose
-// name makes it one of the maker's drives, as only those are offered as destinations.
+// name makes it one of the maker's drives, as only those are offered as destinations, with a
+// folder and a file type left out as a user leaves them out in the filter page.
 
 #include "LoopDisk.h"
 #include "communication/Dispatcher.h"
@@ -9,9 +10,14 @@
 #include "migration/Migration.h"
 #include "migration/MigrationController.h"
 #include "migration/MigrationDestDrive.h"
+#include "migration/ExtensionsFilter.h"
+#include "migration/FileExtGroup.h"
+#include "migration/FileSystemFilter.h"
+#include "migration/FileSystemNode.h"
 #include "migration/MigrationDestPartition.h"
 #include "support/TestEnvironment.h"
 #include "system/Drive.h"
+#include "system/FileCategories.h"
 #include "system/Partition.h"
 #include "system/SupportedDrivesManager.h"
 #include "system/System.h"
@@ -23,6 +29,7 @@
 #include <QTest>
 
 #include <sys/stat.h>
+#include <sys/xattr.h>
 #include <unistd.h>
 
 using namespace Velmora;
@@ -87,6 +94,12 @@ void TestRealMigration::initTestCase()
     // Files of several kinds, owners and modes, a hard link, a symbolic link and a sparse file.
     QVERIFY(QDir(m_sourceVolume).mkpath(QStringLiteral("Photos/2026")));
     QVERIFY(QDir(m_sourceVolume).mkpath(QStringLiteral("Music")));
+    QVERIFY(QDir(m_sourceVolume).mkpath(QStringLiteral("Backups/old")));
+    QVERIFY(QDir(m_sourceVolume).mkpath(QStringLiteral("Videos")));
+    for (const char* name : {"Backups/old/full.tar", "Videos/clip.mp4", "Videos/notes.txt"}) {
+        QFile file(m_sourceVolume + QLatin1Char('/') + QLatin1String(name));
+        QVERIFY(file.open(QIODevice::WriteOnly) && file.write(QByteArray(5000, 'v')) > 0);
+    }
     for (int i = 0; i < 200; ++i) {
         QFile file(m_sourceVolume + QStringLiteral("/Photos/2026/p%1.jpg").arg(i));
         QVERIFY(file.open(QIODevice::WriteOnly) && file.write(QByteArray(1000 + i * 37, char('a' + i % 26))) > 0);
@@ -98,6 +111,10 @@ void TestRealMigration::initTestCase()
     QVERIFY(::chmod(QFile::encodeName(song.fileName()).constData(), 0640) == 0);
     QVERIFY(::link(QFile::encodeName(song.fileName()).constData(), QFile::encodeName(m_sourceVolume + QStringLiteral("/Music/again.mp3")).constData()) == 0);
     QVERIFY(QFile::link(QStringLiteral("Music/song.mp3"), m_sourceVolume + QStringLiteral("/favourite")));
+    const QByteArray tagged = QFile::encodeName(m_sourceVolume + QStringLiteral("/Photos/2026/p7.jpg"));
+    QVERIFY(::setxattr(tagged.constData(), "user.album", "summer", 6, 0) == 0);
+    QVERIFY2(m_source->run(QStringLiteral("setfacl"), {QStringLiteral("-m"), QStringLiteral("u:65534:r"), QString::fromLocal8Bit(tagged)}),
+        qPrintable(m_source->error()));
     QFile sparse(m_sourceVolume + QStringLiteral("/disk.raw"));
     QVERIFY(sparse.open(QIODevice::WriteOnly) && sparse.resize(64 << 20));
     sparse.close();
@@ -138,6 +155,14 @@ void TestRealMigration::movesTheVolume()
     // Each partition's size is estimated by the service's walk of its volume first.
     QTRY_VERIFY_WITH_TIMEOUT(model->destinationDrive()->allPartitionsInitialized(), 20000);
     QTRY_VERIFY_WITH_TIMEOUT(model->destinationDrive()->allPartitionsFit(), 20000);
+    // Left out: the folder Backups, unchecked in the tree the service lists, and every video.
+    System::MigrationDestPartition* data = model->destinationDrive()->migrationPartition(1);
+    QVERIFY(data);
+    Migration::FileSystemFilter* tree = data->fileSystemFilter();
+    tree->requestRootData();
+    QTRY_VERIFY_WITH_TIMEOUT(tree->rootNode()->findChild(QStringLiteral("Backups")), 10000);
+    QVERIFY(tree->setData(tree->indexForNode(tree->rootNode()->findChild(QStringLiteral("Backups"))), Qt::Unchecked, Qt::CheckStateRole));
+    data->extensionsFilter()->group(System::FileCategory::Video)->setChecked(false);
 
     QSignalSpy failed(model, &Migration::Migration::migrationFailed);
     QSignalSpy finished(model, &Migration::Migration::migrationFinished);
@@ -152,8 +177,14 @@ void TestRealMigration::movesTheVolume()
     QVERIFY2(look.run(QStringLiteral("partx"), {QStringLiteral("--update"), m_destination->device()}), qPrintable(look.error()));
     QVERIFY2(look.mount(m_destination->partition(1), copy, {QStringLiteral("-o"), QStringLiteral("ro")}), qPrintable(look.error()));
     QVERIFY2(look.run(QStringLiteral("rsync"), {QStringLiteral("-aHAXn"), QStringLiteral("--itemize-changes"), QStringLiteral("--exclude=/lost+found"),
-                 m_sourceVolume + QLatin1Char('/'), copy + QLatin1Char('/')}), qPrintable(look.error()));
+                 QStringLiteral("--exclude=/Backups"), QStringLiteral("--exclude=*.mp4"), m_sourceVolume + QLatin1Char('/'), copy + QLatin1Char('/')}),
+        qPrintable(look.error()));
     QCOMPARE(look.output(), QByteArray());
+    QVERIFY(!QFileInfo::exists(copy + QStringLiteral("/Backups")));
+    QVERIFY(!QFileInfo::exists(copy + QStringLiteral("/Videos/clip.mp4")));
+    QVERIFY(QFileInfo::exists(copy + QStringLiteral("/Videos/notes.txt")));
+    char album[16] = {};
+    QCOMPARE(::getxattr(QFile::encodeName(copy + QStringLiteral("/Photos/2026/p7.jpg")).constData(), "user.album", album, sizeof album), ssize_t(6));
     struct stat hole {};
     QCOMPARE(::stat(QFile::encodeName(copy + QStringLiteral("/disk.raw")).constData(), &hole), 0);
     QVERIFY(hole.st_blocks < 1024); // still sparse: 64 MiB long, next to nothing allocated
