@@ -186,32 +186,14 @@ poll 20000 grep -q '^[0-9]' "$run/display" || { echo "Xvfb did not start" >&2; e
 program=$!
 pids+=("$program")
 export DISPLAY=:$(head -n1 "$run/display")
-window=
-find_window() { window=$(xdotool search --onlyvisible --name "^KESTRAVIN SSD" 2>/dev/null | head -n1); [ -n "$window" ]; }
-poll 30000 find_window || { echo "no window" >&2; exit 1; }
-W=${size%x*}
-H=${size#*x}
-xdotool windowmove "$window" 0 0 windowsize "$window" "$W" "$H"
+shots_dir=$run/shots
+source scripts/window-driving.sh
+fit_window "KESTRAVIN SSD" "${size%x*}" "${size#*x}" || { echo "no window" >&2; exit 1; }
 poll 30000 grep -q 'Add drive: ' "$run/program.out" || { echo "no drive list" >&2; exit 1; }
 sleep 2
 
-shots=0
-shot() {
-  shots=$((shots + 1))
-  sleep "${2:-0.6}"
-  "$probe" grab "$run/shots/$(printf %02d "$shots")-$1.png" >/dev/null 2>&1
-  log "shot $(printf %02d "$shots")-$1.png"
-}
-click() { xdotool mousemove "$1" "$2" click 1; sleep "${3:-0.4}"; }
-lead_on() { click $((W - 93)) $((H - 91)) "${1:-0.8}"; } # NEXT, START and HOME share a place
-
 shot home
-click $((W / 2)) $((393 + (H - 768) * 2 / 5)); xdotool key Down Return; sleep 1.5
-click $((W / 2)) 87 1.2
-shot choose-drives
-click $((W * 26 / 100)) 250 0.5; xdotool key Down Return; sleep 0.6
-click $((W * 74 / 100)) 250 0.5; xdotool key Down Return; sleep 0.8
-shot drives-chosen 0.3
+choose_migration_drives
 lead_on 1.5
 sleep 25
 shot partitions

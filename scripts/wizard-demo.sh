@@ -78,43 +78,19 @@ chmod +x "$work/bin/Kestravin_Service"
 "$work/bin/kestravin" >"$work/program.out" 2>&1 &
 pids+=($!)
 
-window=
-find_window() { window=$(xdotool search --onlyvisible --name "^$title" 2>/dev/null | head -n1); [ -n "$window" ]; }
-poll 30000 find_window || { echo "no window"; exit 1; }
-width=${size%x*}
-height=${size#*x}
-xdotool windowmove "$window" 0 0 windowsize "$window" "$width" "$height"
+shots_dir=$work
+source scripts/window-driving.sh
+fit_window "$title" "${size%x*}" "${size#*x}" || { echo "no window"; exit 1; }
 # The home page lists the drives once the service has sent them and the machine's summary.
 poll 30000 grep -q 'Add drive: 1' "$work/program.out" || { echo "no drive list"; exit 1; }
 sleep 2
 
-shots=0
-shot() {
-  shots=$((shots + 1))
-  sleep "${2:-0.6}"
-  "$probe" grab "$work/$(printf %02d "$shots")-$1.png" >/dev/null 2>&1
-  echo "shot $(printf %02d "$shots")-$1.png"
-}
-# Coordinates are relative to the window, which fills the screen from its top left corner.
-click() { xdotool mousemove "$1" "$2" click 1; sleep "${3:-0.4}"; }
-
 # HOLD=seconds keeps the session open after the script's road, for a look by hand.
 hold() { [ -z "${HOLD:-}" ] || sleep "$HOLD"; }
 
-W=$width
-H=$height
-button_row=$((H - 91))
-lead_on() { click $((W - 93)) $button_row "${1:-0.8}"; } # NEXT, START, APPLY, CANCEL and HOME share a place
 row_y() { echo $((358 + 39 * $1)); }                    # rows of the partition list, from 0
 
-# The drive section, then DATA MIGRATION, then the system drive as source and the empty one as
-# destination.
-click $((W / 2)) $((393 + (H - 768) * 2 / 5)); xdotool key Down Return; sleep 1.5
-click $((W / 2)) 87 1.2
-shot choose-drives
-click $((W * 26 / 100)) 250 0.5; xdotool key Down Return; sleep 0.6
-click $((W * 74 / 100)) 250 0.5; xdotool key Down Return; sleep 0.8
-shot drives-chosen 0.3
+choose_migration_drives
 lead_on 1.5
 shot estimation 0.2
 sleep 9
