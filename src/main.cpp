@@ -85,6 +85,8 @@ int main(int argc, char* argv[])
         serviceManager, &Application::ServiceManager::onMessageReceived);
     QObject::connect(pipeClient, &Communication::NamedPipeClient::sendingMessage,
         serviceManager, &Application::ServiceManager::onMessageSend);
+    QObject::connect(serviceManager, &Application::ServiceManager::serviceListening,
+        pipeClient, &Communication::NamedPipeClient::connectToServerNow);
 
     const QString extraAuthority = QStringLiteral(KESTRAVIN_BACKEND_CA);
     if (!extraAuthority.isEmpty() && QFileInfo::exists(extraAuthority))
