@@ -5,7 +5,7 @@ set -euo pipefail
 
 packages=(
   cmake g++ make pkg-config ninja-build
-  qtbase5-dev qttools5-dev qttools5-dev-tools libqt5svg5-dev
+  qtbase5-dev qtbase5-private-dev qttools5-dev qttools5-dev-tools libqt5svg5-dev
   protobuf-compiler libprotobuf-dev
   libssl-dev openssl
   libcpp-httplib-dev
@@ -13,7 +13,7 @@ packages=(
   fio
   xvfb xauth x11-utils xdotool libx11-dev procps
   pngquant
-  fonts-inter
+  fonts-inter libfontconfig-dev
   smartmontools
   libudev-dev libblkid-dev
   fdisk e2fsprogs dosfstools xfsprogs btrfs-progs ntfs-3g

@@ -6,6 +6,7 @@
 #include "communication/NamedPipeClient.h"
 #include "communicationweb/TarnAuthorizationService.h"
 #include "download/DownloadManager.h"
+#include "gui/ApplicationFonts.h"
 #include "gui/FirstPaint.h"
 #include "gui/GuiResources.h"
 #include "gui/MainWindow.h"
@@ -41,6 +42,7 @@ using namespace Velmora;
 int main(int argc, char* argv[])
 {
     Gui::initGuiResources();
+    Gui::startReadingFontConfiguration();
     // Everything is drawn by the raster engine; loading the OpenGL driver at start would only
     // cost time and some 50 MB. A user's own choice stands.
     if (!qEnvironmentVariableIsSet("QT_XCB_GL_INTEGRATION"))
@@ -83,6 +85,8 @@ int main(int argc, char* argv[])
         serviceManager, &Application::ServiceManager::onMessageReceived);
     QObject::connect(pipeClient, &Communication::NamedPipeClient::sendingMessage,
         serviceManager, &Application::ServiceManager::onMessageSend);
+    QObject::connect(serviceManager, &Application::ServiceManager::serviceListening,
+        pipeClient, &Communication::NamedPipeClient::connectToServerNow);
 
     const QString extraAuthority = QStringLiteral(KESTRAVIN_BACKEND_CA);
     if (!extraAuthority.isEmpty() && QFileInfo::exists(extraAuthority))

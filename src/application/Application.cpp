@@ -94,6 +94,7 @@ void Application::createTray()
 void Application::loadFonts()
 {
     Gui::initFontResources();
+    Gui::waitForFontConfiguration();
     // The system's fonts are read first: a face added to a database not read yet is read a second
     // time when it is.
     const QFontDatabase systemFonts;

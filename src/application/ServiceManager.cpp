@@ -124,6 +124,7 @@ void ServiceManager::onStartFinished(const Platform::ServiceControl::CommandResu
         return;
     if (result.succeeded()) {
         changeStatus(Starting);
+        emit serviceListening();
         return;
     }
     Logger::error(QString(), QStringLiteral("Process failed with %1 %2.")

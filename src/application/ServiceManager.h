@@ -47,6 +47,8 @@ public:
 
 signals:
     void serviceError(Velmora::Application::ServiceManager::ServiceErrorReason reason);
+    // The service started here listens now, so the pipe client need not wait for its next retry.
+    void serviceListening();
 
 public slots:
     void onMessageReceived();

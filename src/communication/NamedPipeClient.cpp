@@ -15,13 +15,18 @@ namespace {
 // Beyond this many passes of the reconnection rule without a successful connection, give up.
 constexpr int MaxReconnectionPasses = 5;
 constexpr int DisconnectWaitMs = 3000;
+constexpr int ServerNotFoundRetryMs = 3000;
 } // namespace
 
 NamedPipeClient::NamedPipeClient(QObject* parent)
     : QObject(parent)
     , m_socket(new QLocalSocket(this))
     , m_serverName(QLatin1String(DefaultServerName))
+    , m_serverNotFoundRetry(new QTimer(this))
 {
+    m_serverNotFoundRetry->setSingleShot(true);
+    m_serverNotFoundRetry->setInterval(ServerNotFoundRetryMs);
+    connect(m_serverNotFoundRetry, &QTimer::timeout, this, &NamedPipeClient::connectToServer);
     connect(m_socket, &QLocalSocket::readyRead, this, &NamedPipeClient::onDataReceived);
     connect(m_socket, &QLocalSocket::disconnected, this, &NamedPipeClient::onDisconnected);
     connect(m_socket, &QLocalSocket::connected, this, &NamedPipeClient::onConnected);
@@ -59,6 +64,21 @@ void NamedPipeClient::connectToServer()
 {
     Logger::debug(QString(), QStringLiteral("Connect to server: %1").arg(m_serverName));
     m_socket->connectToServer(m_serverName, QIODevice::ReadWrite);
+}
+
+void NamedPipeClient::setServerNotFoundRetryInterval(int msec)
+{
+    m_serverNotFoundRetry->setInterval(msec);
+}
+
+void NamedPipeClient::connectToServerNow()
+{
+    // Connecting a socket that is connecting or connected already fails with an operation error,
+    // which would end the link for good; the attempt under way reaches the server just as well.
+    if (m_socket->state() != QLocalSocket::UnconnectedState)
+        return;
+    m_serverNotFoundRetry->stop();
+    connectToServer();
 }
 
 void NamedPipeClient::disconnectFromServer()
@@ -151,8 +171,9 @@ void NamedPipeClient::onDisconnected()
     Logger::debug(QString(), QStringLiteral("Disconnected from server."));
     // A local socket may connect within connectToServer() itself. Reconnecting on the next turn of
     // the event loop lets the reconnection rule, which may have caused this disconnection, see the
-    // socket unconnected rather than wait for the fresh connection to end.
-    QMetaObject::invokeMethod(this, &NamedPipeClient::connectToServer, Qt::QueuedConnection);
+    // socket unconnected rather than wait for the fresh connection to end. Should a connection have
+    // been made meanwhile, it stands.
+    QMetaObject::invokeMethod(this, &NamedPipeClient::connectToServerNow, Qt::QueuedConnection);
 }
 
 void NamedPipeClient::onConnected()
@@ -180,7 +201,7 @@ void NamedPipeClient::onError(QLocalSocket::LocalSocketError error)
     switch (error) {
     case QLocalSocket::ServerNotFoundError:
         Logger::error(QString(), QStringLiteral("No server found"));
-        QTimer::singleShot(m_serverNotFoundRetryMs, this, &NamedPipeClient::connectToServer);
+        m_serverNotFoundRetry->start();
         emit serverNotFound();
         break;
     case QLocalSocket::ConnectionRefusedError:

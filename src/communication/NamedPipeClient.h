@@ -6,6 +6,8 @@
 #include <QLocalSocket>
 #include <QObject>
 
+class QTimer;
+
 namespace Velmora::Communication {
 
 // The client end of the service pipe. Writes frames, cuts the incoming byte stream into frames,
@@ -31,11 +33,15 @@ public:
     void setServerName(const QString& name) { m_serverName = name; }
 
     // How long to wait before asking again for a pipe that does not exist yet.
-    void setServerNotFoundRetryInterval(int msec) { m_serverNotFoundRetryMs = msec; }
+    void setServerNotFoundRetryInterval(int msec);
 
 public slots:
     void sendMessage(Velmora::Message::Message::MessageType type, QByteArray payload);
     void connectToServer();
+    // For a caller that knows the server listens now (it has just started it): connects at once
+    // rather than at the retry after "No server found", and cancels that retry. Does nothing while a
+    // connection is being made or stands.
+    void connectToServerNow();
     void disconnectFromServer();
     void onDataReceived();
     void onDisconnected();
@@ -74,7 +80,7 @@ private:
     int m_reconnectionCount = 0;
 
     QString m_serverName;
-    int m_serverNotFoundRetryMs = 3000;
+    QTimer* m_serverNotFoundRetry;
 };
 
 } // namespace Velmora::Communication

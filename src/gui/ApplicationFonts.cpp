@@ -1,9 +1,14 @@
 #include "gui/ApplicationFonts.h"
 
 #include <QDir>
-#include <QFont>
 #include <QFontDatabase>
 #include <QSet>
+#include <qpa/qplatformfontdatabase.h>
+
+#include <fontconfig/fontconfig.h>
+
+#include <system_error>
+#include <thread>
 
 // The resource file is compiled into a static library; nothing would pull it into the program
 // unless it is named once. Q_INIT_RESOURCE may not stand inside a namespace.
@@ -52,6 +57,12 @@ void mapLegacyFontNames()
     // The faces were once published as "Inter UI"; the weights had families of their own. Each
     // old name goes to the weight's own family where the font database offers one, else to the
     // family as a whole.
+    //
+    // The old name is an alias of that family, not a substitution, so that a lookup finds the family
+    // at once. A substituted name is tried only after the old one has failed, and the failure has
+    // fontconfig sort every font of the system as fallbacks, for every size and weight the first
+    // window shows. (The database forgets aliases when it is rebuilt, which only removing an
+    // application font does.)
     const QString family = QStringLiteral("Inter");
     const QStringList known = QFontDatabase().families();
     const QPair<QString, QString> names[] = {
@@ -61,7 +72,35 @@ void mapLegacyFontNames()
         {QStringLiteral("Inter UI Medium"), QStringLiteral("Inter Medium")},
     };
     for (const auto& [oldName, newName] : names)
-        QFont::insertSubstitution(oldName, known.contains(newName) ? newName : family);
+        QPlatformFontDatabase::registerAliasToFontFamily(known.contains(newName) ? newName : family, oldName);
+}
+
+namespace {
+std::thread& fontConfigurationReader()
+{
+    static std::thread reader;
+    return reader;
+}
+} // namespace
+
+void startReadingFontConfiguration()
+{
+    std::thread& reader = fontConfigurationReader();
+    if (reader.joinable())
+        return;
+    try {
+        // The font database's own call then finds the configuration loaded.
+        reader = std::thread([] { FcInit(); });
+    } catch (const std::system_error&) {
+        // Without a thread the font database reads it itself, as it would anyway.
+    }
+}
+
+void waitForFontConfiguration()
+{
+    std::thread& reader = fontConfigurationReader();
+    if (reader.joinable())
+        reader.join();
 }
 
 bool isFirstWindowFace(const QString& fileName)

@@ -257,6 +257,7 @@ void TestServiceManager::startsTheRealServiceBesideTheProgram()
     QCOMPARE(control->query(), ServiceControl::State::Stopped);
     LogCapture log;
     make(control)->setIntervals(10, 2000, 60000);
+    QSignalSpy listening(m_manager, &ServiceManager::serviceListening);
     if (startTimeout)
         m_manager->setStartTimeout(startTimeout);
     // The start must leave the event loop running: the window stays alive meanwhile.
@@ -269,6 +270,7 @@ void TestServiceManager::startsTheRealServiceBesideTheProgram()
     QTRY_COMPARE_WITH_TIMEOUT(int(m_manager->status()), status, 15000);
     QVERIFY2(longestGap < 500, qPrintable(QString::number(longestGap)));
     QCOMPARE(m_exits, exits);
+    QCOMPARE(listening.count(), exits.isEmpty() ? 1 : 0);
     QCOMPARE(control->query(), exits.isEmpty() ? ServiceControl::State::Running : ServiceControl::State::Stopped);
     if (!exits.isEmpty())
         QCOMPARE(log.count(QStringLiteral("Process failed with 1 The service did not listen within the time limit.")), 1);

@@ -6,6 +6,7 @@
 
 #include <QSignalSpy>
 #include <QTest>
+#include <QTimer>
 
 using Velmora::Communication::NamedPipeClient;
 using Velmora::Message::Message;
@@ -58,6 +59,7 @@ private slots:
     void writesExactFrames();
     void keepsPartialFrameAcrossReconnection();
     void givesUpAfterFiveReconnectionPasses();
+    void connectsAtOnceWhenTheServerIsKnownToListen();
 };
 
 void TestNamedPipeClient::initTestCase()
@@ -203,6 +205,35 @@ void TestNamedPipeClient::givesUpAfterFiveReconnectionPasses()
     client.onError(QLocalSocket::ConnectionRefusedError);
     QCOMPARE(gaveUp.count(), 2);
     QCOMPARE(log.count(QStringLiteral("Connection error - reconnecting")), 5);
+}
+
+void TestNamedPipeClient::connectsAtOnceWhenTheServerIsKnownToListen()
+{
+    FakeService service(TestEnvironment::uniqueName(QStringLiteral("pipe")));
+    NamedPipeClient client;
+    client.setServerName(service.serverName());
+    // Far beyond the wait below: a connection within it is the early one.
+    client.setServerNotFoundRetryInterval(600000);
+    QSignalSpy connected(&client, &NamedPipeClient::connectedToServer);
+    QSignalSpy failed(&client, &NamedPipeClient::connectionError);
+    LogCapture log;
+    client.connectToServer();
+    QCOMPARE(log.count(QStringLiteral("No server found")), 1);
+
+    QVERIFY(service.listen());
+    client.connectToServerNow();
+    QTRY_COMPARE(connected.count(), 1);
+    client.connectToServerNow();
+    // A retry still pending would now come due, before this timer.
+    client.setServerNotFoundRetryInterval(10);
+    QTimer later;
+    later.setSingleShot(true);
+    QSignalSpy past(&later, &QTimer::timeout);
+    later.start(50);
+    QVERIFY(past.wait());
+    QVERIFY(client.isConnected());
+    QCOMPARE(failed.count(), 0);
+    QCOMPARE(log.count(QStringLiteral("Connect to server: %1").arg(service.serverName())), 2);
 }
 
 KESTRAVIN_TEST_SUITE(TestNamedPipeClient)

@@ -148,6 +148,8 @@ private slots:
     void migrationLocksNavigation_data();
     void migrationLocksNavigation();
 
+    void oldFamilyNamesReachTheBundledFaces_data();
+    void oldFamilyNamesReachTheBundledFaces();
 };
 
 void TestGuiMainWindow::initTestCase()
@@ -432,6 +434,22 @@ void TestGuiMainWindow::migrationLocksNavigation()
     window.showDriveStatusPage();
     QCOMPARE(stack->currentIndex(), 1);
     QVERIFY(!child<QWidget>(window, "menu")->isHidden());
+}
+
+void TestGuiMainWindow::oldFamilyNamesReachTheBundledFaces_data()
+{
+    QTest::addColumn<QString>("name");
+    QTest::addColumn<QString>("family");
+    QTest::newRow("regular") << "Inter UI" << "Inter";
+    QTest::newRow("semi-bold") << "Inter UI Semi Bold" << "Inter Semi Bold";
+    QTest::newRow("black") << "Inter UI Black" << "Inter Black";
+}
+
+void TestGuiMainWindow::oldFamilyNamesReachTheBundledFaces()
+{
+    QFETCH(QString, name);
+    QFETCH(QString, family);
+    QCOMPARE(QFontInfo(QFont(name, 13)).family(), family);
 }
 
 KESTRAVIN_GUI_TEST_SUITE(TestGuiMainWindow)
