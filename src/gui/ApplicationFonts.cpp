@@ -8,7 +8,7 @@
 #include <fontconfig/fontconfig.h>
 
 #include <system_error>
-#include <thread>
+#include <future>
 
 // The resource file is compiled into a static library; nothing would pull it into the program
 // unless it is named once. Q_INIT_RESOURCE may not stand inside a namespace.
@@ -76,21 +76,23 @@ void mapLegacyFontNames()
 }
 
 namespace {
-std::thread& fontConfigurationReader()
+// A future, not a thread: one nobody waited for (a start that ends early) is waited for at exit
+// instead of ending the process.
+std::future<void>& fontConfigurationReader()
 {
-    static std::thread reader;
+    static std::future<void> reader;
     return reader;
 }
 } // namespace
 
 void startReadingFontConfiguration()
 {
-    std::thread& reader = fontConfigurationReader();
-    if (reader.joinable())
+    std::future<void>& reader = fontConfigurationReader();
+    if (reader.valid())
         return;
     try {
         // The font database's own call then finds the configuration loaded.
-        reader = std::thread([] { FcInit(); });
+        reader = std::async(std::launch::async, [] { FcInit(); });
     } catch (const std::system_error&) {
         // Without a thread the font database reads it itself, as it would anyway.
     }
@@ -98,9 +100,9 @@ void startReadingFontConfiguration()
 
 void waitForFontConfiguration()
 {
-    std::thread& reader = fontConfigurationReader();
-    if (reader.joinable())
-        reader.join();
+    std::future<void>& reader = fontConfigurationReader();
+    if (reader.valid())
+        reader.get();
 }
 
 bool isFirstWindowFace(const QString& fileName)
