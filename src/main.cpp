@@ -92,11 +92,6 @@ int main(int argc, char* argv[])
     if (!extraAuthority.isEmpty() && QFileInfo::exists(extraAuthority))
         REST::trustAuthorityBeforeFirstCall(extraAuthority);
     auto* network = new QNetworkAccessManager(app);
-    // Wakes the network stack up before the first real call. Only a request answered from the cache
-    // leaves the TLS library alone; it is loaded once the window has been painted.
-    QNetworkRequest wakeUp{QUrl()};
-    wakeUp.setAttribute(QNetworkRequest::CacheLoadControlAttribute, QNetworkRequest::AlwaysCache);
-    network->get(wakeUp)->deleteLater();
     auto* restClient = new REST::RestClient(QUrl(QStringLiteral(KESTRAVIN_BACKEND_URL)), network, app);
     auto* authorization = new CommunicationWeb::TarnAuthorizationService(restClient, app);
 
@@ -144,10 +139,19 @@ int main(int argc, char* argv[])
     QObject::connect(app, &Application::Application::showDriveStatusPage, mainWindow, &Gui::MainWindow::showDriveStatusPage);
     QObject::connect(app, &Application::Application::showMainWindow, frame, &Gui::MainWindowWinFrame::show);
     QObject::connect(guard, &Application::SingleInstanceGuard::newInstanceDetected, frame, &Gui::MainWindowWinFrame::show);
-    if (!Application::Application::hasMinimizedOption(QCoreApplication::arguments()))
+    // What the first window does not need waits until it is on the screen: the tray icon (which
+    // looks for a desktop bus first), the network stack's plugins, TLS and the other font faces.
+    // Started minimized, the tray icon is all there is to show.
+    if (Application::Application::hasMinimizedOption(QCoreApplication::arguments()))
+        app->showTrayIcon();
+    else
         frame->show();
-    // What the first window does not need waits until it is on the screen.
-    Gui::runAfterFirstPaint(frame, app, [app] {
+    Gui::runAfterFirstPaint(frame, app, [app, network] {
+        app->showTrayIcon();
+        // Only a request answered from the cache wakes the network stack without loading TLS.
+        QNetworkRequest wakeUp{QUrl()};
+        wakeUp.setAttribute(QNetworkRequest::CacheLoadControlAttribute, QNetworkRequest::AlwaysCache);
+        network->get(wakeUp)->deleteLater();
         app->loadRemainingFonts();
         REST::prepareTls();
     });

@@ -88,6 +88,10 @@ void Application::createTray()
             m_trayIcon->showMessage(title, message, icons[kind], msecs);
         });
     m_trayIcon->setContextMenu(m_trayMenu);
+}
+
+void Application::showTrayIcon()
+{
     m_trayIcon->setVisible(true);
 }
 

@@ -30,6 +30,8 @@ public:
 
     TrayNotifications* notifications() const { return m_notifications; }
     QSystemTrayIcon* trayIcon() const { return m_trayIcon; }
+    // Puts the icon into the tray; once is enough, again does nothing.
+    void showTrayIcon();
     QMenu* trayMenu() const { return m_trayMenu; }
     QString language() const { return m_language; }
     void loadTranslation(const QString& language);
