@@ -74,12 +74,6 @@ int main(int argc, char* argv[])
     engines.plugInto(router);
     // What no engine answers is turned down; a type keeps the first handler it was given.
     router.addHandler(migrationRefusals());
-    QList<quint32> unwired;
-    for (quint32 type : engineRequestTypes()) {
-        if (!router.isRouted(type))
-            unwired << type;
-    }
-    router.addHandler(unwiredRequests(unwired));
 
     ServiceListener listener(router, options.limits);
     if (!listener.listen(options.socketPath, &error)) {

@@ -49,6 +49,13 @@ std::optional<DriveRecord> DriveRegistry::drive(quint32 driveId) const
     return it.value();
 }
 
+QString DriveRegistry::devicePath(quint32 driveId) const
+{
+    std::lock_guard<std::mutex> lock(m_mutex);
+    const auto it = m_drives.constFind(driveId);
+    return it == m_drives.constEnd() ? QString() : it->devicePath;
+}
+
 std::optional<PartitionRecord> DriveRegistry::partition(quint32 driveId, quint32 partitionId) const
 {
     std::lock_guard<std::mutex> lock(m_mutex);

@@ -29,6 +29,8 @@ public:
     Velmora::Message::SystemInfo rescan();
 
     std::optional<DriveRecord> drive(quint32 driveId) const;
+    // The device node of a drive (e.g. /dev/sdb); empty for an id the registry does not know.
+    QString devicePath(quint32 driveId) const;
     std::optional<PartitionRecord> partition(quint32 driveId, quint32 partitionId) const;
     QVector<DriveRecord> drives() const;
 

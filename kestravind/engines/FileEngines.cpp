@@ -101,6 +101,31 @@ Wire::FileTypeStructure scanGone(quint32 driveId, qint32 partitionId)
     return answer;
 }
 
+// The sizes of a partition that is there but not mounted.
+Wire::FileTypeStructure wholeSizeKept(const Devices::PartitionRecord& partition, const Wire::FileTypeStructureRequest& request)
+{
+    // A volume nobody mounted cannot be walked: all of it goes across, so that the plan never
+    // makes its new place smaller than what it may hold.
+    qCInfo(serverLog, "Partition %u of drive %u is not mounted: its whole size counts as kept", partition.id, request.driveid());
+    Wire::FileTypeStructure answer;
+    answer.set_code(Wire::SUCCESS);
+    answer.set_driveid(request.driveid());
+    answer.set_partitionid(request.partitionid());
+    answer.set_progress(1.0f);
+    answer.set_finished(true);
+    for (quint32 sum : {0u, 1u, 2u}) {
+        auto* entry = answer.add_filetypes();
+        entry->set_id(sum);
+        entry->set_size(sum == 2 ? partition.size : 0);
+    }
+    return answer;
+}
+
+std::string mountPointOf(const std::optional<Devices::PartitionRecord>& partition)
+{
+    return partition ? partition->mountPoint.toStdString() : std::string();
+}
+
 } // namespace
 
 FileEngines::FileEngines(Devices::DriveRegistry& drives, std::string logDirectory,
@@ -147,15 +172,16 @@ void FileEngines::plugInto(RequestRouter& router)
                 return std::make_unique<FixedCall>(Answer(), FilterTask, true);
             return std::make_unique<FunctionCall>(
                 [this, request](const PeerCredentials& peer, const std::atomic_bool& stop, Reply& reply) {
-                    if (const auto unmounted = unmountedPartition(request.driveid(), request.partitionid())) {
-                        reply.send(Message::MigrationFilterTypeResponse, *unmounted);
+                    const auto partition = partitionOf(request.driveid(), request.partitionid());
+                    if (partition && partition->mountPoint.isEmpty()) {
+                        reply.send(Message::MigrationFilterTypeResponse, wholeSizeKept(*partition, request));
                         return;
                     }
                     const auto progress = [&reply](const Wire::FileTypeStructure& interim) {
                         reply.send(Message::MigrationFilterTypeResponse, interim);
                     };
-                    const Wire::FileTypeStructure answer = Files::FilterSizeScan().run(
-                        request, mountPointOf(request.driveid(), request.partitionid()), peer, stop, progress);
+                    const Wire::FileTypeStructure answer =
+                        Files::FilterSizeScan().run(request, mountPointOf(partition), peer, stop, progress);
                     // A stopped sizing was asked to stop, or replaced by the next: nobody waits for it.
                     if (answer.code() != Wire::CANCELED)
                         reply.send(Message::MigrationFilterTypeResponse, answer);
@@ -183,15 +209,15 @@ void FileEngines::plugInto(RequestRouter& router)
             m_migrationSourceNamed(request.driveid());
             // A partition that is there but not mounted has no paths to name; the program waits
             // for this answer before it asks about the next partition.
-            if (unmountedPartition(request.driveid(), qint32(request.partitionid()))) {
+            const auto partition = partitionOf(request.driveid(), qint32(request.partitionid()));
+            if (partition && partition->mountPoint.isEmpty()) {
                 Wire::MigrationFilterSystemPaths none = request;
                 none.set_code(Wire::SUCCESS);
                 none.clear_systempaths();
                 none.clear_systemignoredpaths();
                 return none;
             }
-            return Files::SystemPathsQuery().run(
-                request, mountPointOf(request.driveid(), qint32(request.partitionid())), peer);
+            return Files::SystemPathsQuery().run(request, mountPointOf(partition), peer);
         }));
 
     router.addHandler(std::make_unique<EngineHandler<Wire::DiskPerformanceRequest, Wire::DiskPerformance>>(
@@ -214,32 +240,9 @@ std::vector<std::string> FileEngines::mountPointsOf(quint32 driveId) const
     return mountPoints;
 }
 
-std::string FileEngines::mountPointOf(quint32 driveId, qint32 partitionId) const
+std::optional<Devices::PartitionRecord> FileEngines::partitionOf(quint32 driveId, qint32 partitionId) const
 {
-    const auto partition = partitionId < 0 ? std::nullopt : m_drives.partition(driveId, quint32(partitionId));
-    return partition ? partition->mountPoint.toStdString() : std::string();
-}
-
-std::optional<Wire::FileTypeStructure> FileEngines::unmountedPartition(quint32 driveId, qint32 partitionId) const
-{
-    const auto partition = partitionId < 0 ? std::nullopt : m_drives.partition(driveId, quint32(partitionId));
-    if (!partition || !partition->mountPoint.isEmpty())
-        return std::nullopt;
-    // A volume nobody mounted cannot be walked: all of it goes across, so that the plan never
-    // makes its new place smaller than what it may hold.
-    qCInfo(serverLog, "Partition %u of drive %u is not mounted: its whole size counts as kept", partition->id, driveId);
-    Wire::FileTypeStructure answer;
-    answer.set_code(Wire::SUCCESS);
-    answer.set_driveid(driveId);
-    answer.set_partitionid(partitionId);
-    answer.set_progress(1.0f);
-    answer.set_finished(true);
-    for (quint32 sum : {0u, 1u, 2u}) {
-        auto* entry = answer.add_filetypes();
-        entry->set_id(sum);
-        entry->set_size(sum == 2 ? partition->size : 0);
-    }
-    return answer;
+    return partitionId < 0 ? std::nullopt : m_drives.partition(driveId, quint32(partitionId));
 }
 
 std::vector<std::string> FileEngines::allMountPoints() const

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "devices/DeviceRecords.h"
+
 #include "FileTypeStructure.pb.h"
 
 #include <QHash>
@@ -33,10 +35,9 @@ public:
 
 private:
     std::vector<std::string> mountPointsOf(quint32 driveId) const;
-    std::string mountPointOf(quint32 driveId, qint32 partitionId) const;
     std::vector<std::string> allMountPoints() const;
-    // The sizes of a partition that exists but is not mounted; nothing for any other.
-    std::optional<Velmora::Message::FileTypeStructure> unmountedPartition(quint32 driveId, qint32 partitionId) const;
+    // The partition a request names; nothing for a negative id or one the registry does not know.
+    std::optional<Devices::PartitionRecord> partitionOf(quint32 driveId, qint32 partitionId) const;
 
     // The last answer of each drive's category scan, for the requests that ask how far it got.
     void keepCategories(const Velmora::Message::FileTypeStructure& answer);

@@ -64,8 +64,7 @@ void MachineEngines::plugInto(RequestRouter& router)
         Message::SmartRequest, Message::Smart,
         [&drives](const Wire::SmartRequest& request, const PeerCredentials&, const std::atomic_bool& stop,
             const auto&) {
-            const auto drive = drives.drive(request.driveid());
-            return Smart::SmartReader().read(request, drive ? drive->devicePath : QString(), stop);
+            return Smart::SmartReader().read(request, drives.devicePath(request.driveid()), stop);
         }));
 
     m_files->plugInto(router);

@@ -52,7 +52,7 @@ MigrationEngines::MigrationEngines(Devices::DriveRegistry& drives, QString workF
     // A disk is written only if a scan made at that moment still lists it under the id asked for.
     , m_disks(std::make_unique<Migration::DiskEngines>(*m_tools, [this](quint32 driveId) {
         m_drives.rescan();
-        return devicePathOf(driveId);
+        return m_drives.devicePath(driveId);
     }))
 {
 }
@@ -72,7 +72,7 @@ void MigrationEngines::plugInto(RequestRouter& router)
                 m_pairs.clear();
             }
             const qint64 source = m_source;
-            return m_disks->cleanDisk(request, source < 0 ? QString() : devicePathOf(quint32(source)), stop);
+            return m_disks->cleanDisk(request, source < 0 ? QString() : m_drives.devicePath(quint32(source)), stop);
         },
         QStringLiteral("clean disk")));
     router.addHandler(std::make_unique<EngineHandler<Wire::PartitionCreate, Wire::PartitionCreate>>(
@@ -113,7 +113,7 @@ void MigrationEngines::plugInto(RequestRouter& router)
             waitForUdevQueue(stop);
             m_drives.rescan();
             Boot::BootabilityTarget target;
-            target.destinationDisk = devicePathOf(request.driveid());
+            target.destinationDisk = m_drives.devicePath(request.driveid());
             const auto os = m_drives.partition(request.driveid(), request.ospartitionid());
             const auto boot = m_drives.partition(request.driveid(), request.bootpartitionid());
             target.osPartition = os ? os->devicePath : QString();
@@ -134,12 +134,6 @@ void MigrationEngines::plugInto(RequestRouter& router)
             return Boot::Bootability(target).run(request, stop);
         },
         QStringLiteral("bootability")));
-}
-
-QString MigrationEngines::devicePathOf(quint32 driveId) const
-{
-    const auto drive = m_drives.drive(driveId);
-    return drive ? drive->devicePath : QString();
 }
 
 void MigrationEngines::addCopiedPair(const QString& sourcePartition, const QString& destinationPartition)

@@ -40,7 +40,6 @@ public:
     void plugInto(RequestRouter& router);
 
 private:
-    QString devicePathOf(quint32 driveId) const;
     void addCopiedPair(const QString& sourcePartition, const QString& destinationPartition);
     QVector<QPair<QString, QString>> copiedPairs() const;
 

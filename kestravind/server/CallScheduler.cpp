@@ -137,7 +137,6 @@ bool CallScheduler::stop(const QString& task)
 void CallScheduler::finished(const QString& task, const std::shared_ptr<std::atomic_bool>& stopFlag)
 {
     if (task.isEmpty()) {
-        m_shortRunning = false;
         m_shortStop.reset();
         startNextShort();
         return;
@@ -156,11 +155,10 @@ void CallScheduler::finished(const QString& task, const std::shared_ptr<std::ato
 
 void CallScheduler::startNextShort()
 {
-    if (m_shortRunning || m_waiting.empty())
+    if (m_shortStop || m_waiting.empty())
         return;
     std::unique_ptr<Call> call = std::move(m_waiting.front());
     m_waiting.pop_front();
-    m_shortRunning = true;
     m_shortStop = std::make_shared<std::atomic_bool>(false);
     start(std::move(call), QString(), m_shortStop);
 }

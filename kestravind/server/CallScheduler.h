@@ -39,7 +39,7 @@ public:
     void finished(const QString& task, const std::shared_ptr<std::atomic_bool>& stopFlag);
 
     size_t waiting() const { return m_waiting.size(); }
-    bool idle() const { return !m_shortRunning && m_waiting.empty() && m_liveTasks == 0 && m_pendingTasks.empty(); }
+    bool idle() const { return !m_shortStop && m_waiting.empty() && m_liveTasks == 0 && m_pendingTasks.empty(); }
 
 private:
     void startNextShort();
@@ -51,8 +51,8 @@ private:
     QPointer<ClientConnection> m_owner;
     const PeerCredentials m_peer;
     std::deque<std::unique_ptr<Call>> m_waiting;
+    // The stop flag of the short call that runs; none while none does.
     std::shared_ptr<std::atomic_bool> m_shortStop;
-    bool m_shortRunning = false;
     // The stop flag of the latest task of each name; tasks stopped but not yet ended still count
     // among the live ones.
     QHash<QString, std::shared_ptr<std::atomic_bool>> m_tasks;

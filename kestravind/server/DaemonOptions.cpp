@@ -1,10 +1,12 @@
 #include "DaemonOptions.h"
 
+#include "message/Message.h"
+
 #include <QCommandLineParser>
 
 namespace Velmora::Daemon {
 
-const char* const DaemonOptions::DefaultSocket = "/run/kestravin/VelmoraServer";
+const char* const DaemonOptions::DefaultSocket = Velmora::Message::Message::SystemSocket;
 
 bool DaemonOptions::parse(const QStringList& arguments, QString* error)
 {

@@ -1,6 +1,7 @@
 #include "Refusals.h"
 
 #include "message/Message.h"
+#include "message/Payload.h"
 
 #include "CopyLogFiles.pb.h"
 #include "DiskPerformance.pb.h"
@@ -16,13 +17,6 @@ namespace Wire = Velmora::Message;
 
 namespace {
 
-QByteArray serialized(const google::protobuf::MessageLite& message)
-{
-    QByteArray payload(static_cast<int>(message.ByteSizeLong()), Qt::Uninitialized);
-    message.SerializeToArray(payload.data(), payload.size());
-    return payload;
-}
-
 // For the answers that share the request's own message.
 template<typename M>
 Answer echoed(quint32 type, const QByteArray& payload, Wire::Code code)
@@ -31,7 +25,7 @@ Answer echoed(quint32 type, const QByteArray& payload, Wire::Code code)
     if (!message.ParseFromArray(payload.constData(), payload.size()))
         message.Clear();
     message.set_code(code);
-    return {type, serialized(message)};
+    return {type, Wire::toPayload(message)};
 }
 
 Answer categoriesRefused(quint32 answerType, const QByteArray& payload, Wire::Code code)
@@ -43,7 +37,7 @@ Answer categoriesRefused(quint32 answerType, const QByteArray& payload, Wire::Co
         answer.set_partitionid(request.partitionid());
     }
     answer.set_code(code);
-    return {answerType, serialized(answer)};
+    return {answerType, Wire::toPayload(answer)};
 }
 
 } // namespace
@@ -53,7 +47,7 @@ Answer errorAnswer(Wire::Code code, const QString& text)
     Wire::Error error;
     error.set_code(code);
     error.set_description(text.toStdString());
-    return {Message::Error, serialized(error)};
+    return {Message::Error, Wire::toPayload(error)};
 }
 
 Answer refusalFor(quint32 requestType, const QByteArray& payload, Wire::Code code, const QString& text)
@@ -75,12 +69,12 @@ Answer refusalFor(quint32 requestType, const QByteArray& payload, Wire::Code cod
     case Message::FileCopyRequestCancel: {
         Wire::FileCopyReport report;
         report.set_code(code);
-        return {Message::FileCopyResponse, serialized(report)};
+        return {Message::FileCopyResponse, Wire::toPayload(report)};
     }
     case Message::SystemTrimCommand: {
         Wire::SystemTrimCommand answer;
         answer.set_code(code);
-        return {Message::SystemTrimCommand, serialized(answer)};
+        return {Message::SystemTrimCommand, Wire::toPayload(answer)};
     }
     case Message::DiskBenchmarkRequest: {
         Wire::DiskPerformanceRequest request;
@@ -88,7 +82,7 @@ Answer refusalFor(quint32 requestType, const QByteArray& payload, Wire::Code cod
         if (request.ParseFromArray(payload.constData(), payload.size()))
             answer.set_driveid(request.driveid());
         answer.set_code(code);
-        return {Message::DiskBenchmarkResponse, serialized(answer)};
+        return {Message::DiskBenchmarkResponse, Wire::toPayload(answer)};
     }
     case Message::FileTypeStructureReq:
         return categoriesRefused(Message::FileCat, payload, code);
@@ -100,7 +94,7 @@ Answer refusalFor(quint32 requestType, const QByteArray& payload, Wire::Code cod
         if (request.ParseFromArray(payload.constData(), payload.size()))
             answer.set_destinationdirectory(request.destinationdirectory());
         answer.set_code(code);
-        return {Message::CopyLogFilesResponse, serialized(answer)};
+        return {Message::CopyLogFilesResponse, Wire::toPayload(answer)};
     }
     default:
         return errorAnswer(code, text);

@@ -1,14 +1,12 @@
 #include "RequestHandler.h"
 
-#include <google/protobuf/message_lite.h>
+#include "message/Payload.h"
 
 namespace Velmora::Daemon {
 
 void Reply::send(quint32 type, const google::protobuf::MessageLite& message)
 {
-    QByteArray payload(static_cast<int>(message.ByteSizeLong()), Qt::Uninitialized);
-    message.SerializeToArray(payload.data(), payload.size());
-    sendPayload(type, payload);
+    sendPayload(type, Velmora::Message::toPayload(message));
 }
 
 } // namespace Velmora::Daemon

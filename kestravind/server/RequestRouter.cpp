@@ -55,8 +55,8 @@ void RequestRouter::addHandler(std::unique_ptr<RequestHandler> handler)
 void RequestRouter::route(ClientConnection& client, quint32 type, const QByteArray& payload)
 {
     const PeerCredentials& peer = client.peer();
-    const QString name = nameOf(type);
-    qCDebug(serverLog, "Client %d -> %s (%d bytes)", client.id(), qPrintable(name), payload.size());
+    // The name is for the log: looked up only where a line is written.
+    qCDebug(serverLog, "Client %d -> %s (%d bytes)", client.id(), qPrintable(nameOf(type)), payload.size());
     RequestHandler* handler = m_routes.value(type);
     if (!handler) {
         qCWarning(serverLog, "Client %d sent an unknown message type %u", client.id(), type);
@@ -64,6 +64,7 @@ void RequestRouter::route(ClientConnection& client, quint32 type, const QByteArr
         return;
     }
     if (!m_policy.allows(peer, type, payload)) {
+        const QString name = nameOf(type);
         qCWarning(serverLog, "Refused %s of uid %u (pid %d): it needs root or the group \"%s\"", qPrintable(name),
             unsigned(peer.uid), int(peer.pid), qPrintable(m_policy.groupName()));
         answerInTurn(client, refusalFor(type, payload, Velmora::Message::ACCESS_DENIED,
@@ -72,6 +73,7 @@ void RequestRouter::route(ClientConnection& client, quint32 type, const QByteArr
     }
     std::unique_ptr<Call> call = handler->decode(type, payload);
     if (!call) {
+        const QString name = nameOf(type);
         qCWarning(serverLog, "Client %d: the payload of %s does not parse", client.id(), qPrintable(name));
         answerInTurn(client, errorAnswer(Velmora::Message::INVALID_REQUEST, QStringLiteral("Malformed %1 message").arg(name)));
         return;

@@ -51,6 +51,8 @@ public:
 
     static constexpr quint32 SyncPattern = 0xFE7419CD;
     static constexpr int HeaderSize = 12;
+    // Where the machine's own service listens, for the service and the program alike.
+    static constexpr const char* SystemSocket = "/run/kestravin/VelmoraServer";
 
     explicit Message(QObject* parent = nullptr);
 

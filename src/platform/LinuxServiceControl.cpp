@@ -6,7 +6,6 @@
 
 #include <QCoreApplication>
 #include <QFileInfo>
-#include <QLocalSocket>
 #include <QProcess>
 
 namespace Velmora::Platform {
@@ -35,18 +34,9 @@ LinuxServiceControl::~LinuxServiceControl()
     delete m_watch;
 }
 
-bool LinuxServiceControl::isListening() const
-{
-    QLocalSocket probe;
-    probe.connectToServer(m_serverName);
-    const bool listening = probe.waitForConnected(ProbeTimeoutMs);
-    probe.abort();
-    return listening;
-}
-
 ServiceControl::State LinuxServiceControl::query()
 {
-    if (isListening())
+    if (ServerListenWatch::acceptsNow(m_serverName, ProbeTimeoutMs))
         return State::Running;
     if (!QFileInfo(m_executablePath).isExecutable())
         return State::NotInstalled;

@@ -24,8 +24,6 @@ public:
     void start(int timeoutMs, Finished finished) override;
 
 private:
-    bool isListening() const;
-
     QString m_executablePath;
     QString m_serverName;
     // The wait for a started service to listen; it ends with this control, so that no outcome

@@ -39,6 +39,15 @@ ServerListenWatch::ServerListenWatch(const QString& serverName, int timeoutMs, Q
     QTimer::singleShot(0, this, &ServerListenWatch::tryConnect);
 }
 
+bool ServerListenWatch::acceptsNow(const QString& serverName, int timeoutMs)
+{
+    QLocalSocket probe;
+    probe.connectToServer(serverName);
+    const bool accepted = probe.waitForConnected(timeoutMs);
+    probe.abort();
+    return accepted;
+}
+
 QString ServerListenWatch::socketPath(const QString& serverName)
 {
     return serverName.startsWith(QLatin1Char('/')) ? serverName : QDir::tempPath() + QLatin1Char('/') + serverName;

@@ -21,6 +21,8 @@ public:
 
     // The socket file of a server name, as QLocalServer places it.
     static QString socketPath(const QString& serverName);
+    // Whether the server accepts a connection now; `timeoutMs` only bounds a server that hangs.
+    static bool acceptsNow(const QString& serverName, int timeoutMs);
 
 signals:
     // Emitted once: true when a connection was accepted, false when the time was up first.

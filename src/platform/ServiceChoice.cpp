@@ -1,13 +1,13 @@
 #include "platform/ServiceChoice.h"
 
 #include "logger/Logger.h"
+#include "message/Message.h"
+#include "platform/ServerListenWatch.h"
 
-#include <QFileInfo>
-#include <QLocalSocket>
 
 namespace Velmora::Platform {
 
-const char* const ServiceChoice::SystemSocket = "/run/kestravin/VelmoraServer";
+const char* const ServiceChoice::SystemSocket = Velmora::Message::Message::SystemSocket;
 const char* const ServiceChoice::EnvironmentVariable = "KESTRAVIN_SERVICE";
 
 namespace {
@@ -16,13 +16,7 @@ constexpr int ProbeTimeoutMs = 200;
 
 bool systemServiceAnswers()
 {
-    if (!QFileInfo::exists(QLatin1String(ServiceChoice::SystemSocket)))
-        return false;
-    QLocalSocket probe;
-    probe.connectToServer(QLatin1String(ServiceChoice::SystemSocket));
-    const bool answers = probe.waitForConnected(ProbeTimeoutMs);
-    probe.abort();
-    return answers;
+    return ServerListenWatch::acceptsNow(QLatin1String(ServiceChoice::SystemSocket), ProbeTimeoutMs);
 }
 } // namespace
 

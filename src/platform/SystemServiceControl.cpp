@@ -1,6 +1,6 @@
 #include "platform/SystemServiceControl.h"
 
-#include <QLocalSocket>
+#include "platform/ServerListenWatch.h"
 
 namespace Velmora::Platform {
 
@@ -16,11 +16,7 @@ SystemServiceControl::SystemServiceControl(const QString& socketPath)
 
 ServiceControl::State SystemServiceControl::query()
 {
-    QLocalSocket probe;
-    probe.connectToServer(m_socketPath);
-    const bool listening = probe.waitForConnected(ProbeTimeoutMs);
-    probe.abort();
-    return listening ? State::Running : State::Stopped;
+    return ServerListenWatch::acceptsNow(m_socketPath, ProbeTimeoutMs) ? State::Running : State::Stopped;
 }
 
 QString SystemServiceControl::installCommand() const
