@@ -29,7 +29,8 @@ bool isBlockDevice(const QString& path)
     return ::stat(path.toLocal8Bit().constData(), &status) == 0 && S_ISBLK(status.st_mode);
 }
 
-// Rewrites one table of the mounted system's /etc; a missing crypttab is no fault.
+// Rewrites one table of the mounted system's /etc, handing its new text to `text` where asked; a
+// missing crypttab is no fault.
 int rewriteTable(int etc, const char* name, DeviceTableKind kind, const QVector<IdentityPair>& pairs, QByteArray* text)
 {
     const std::optional<QByteArray> old = readFileAt(etc, name, TableLimit);
@@ -41,7 +42,8 @@ int rewriteTable(int etc, const char* name, DeviceTableKind kind, const QVector<
         return Success;
     }
     const TableRewrite rewrite = rewriteDeviceTable(*old, kind, pairs);
-    *text = rewrite.text;
+    if (text)
+        *text = rewrite.text;
     if (rewrite.changedLines == 0) {
         qCInfo(lcBoot).noquote() << "/etc/" + QString::fromLatin1(name) << "names no copied partition: left as it is";
         return Success;
@@ -147,9 +149,8 @@ private:
             qCWarning(lcBoot) << "The new system has no /etc folder reached without links";
             return NoFstab;
         }
-        QByteArray crypttab;
         const int code = rewriteTable(etc.get(), "fstab", DeviceTableKind::Fstab, m_pairs, &m_fstab);
-        return code == Success ? rewriteTable(etc.get(), "crypttab", DeviceTableKind::Crypttab, m_pairs, &crypttab) : code;
+        return code == Success ? rewriteTable(etc.get(), "crypttab", DeviceTableKind::Crypttab, m_pairs, nullptr) : code;
     }
 
     // /boot and /boot/efi as the system mounts them, so that GRUB lands where the system looks.

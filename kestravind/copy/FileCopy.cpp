@@ -73,8 +73,12 @@ public:
         m_baseBytes = bytes;
         m_baseFiles = files;
     }
-    uint64_t bytes() const { return sub(read().first, m_baseBytes); }
-    uint64_t files() const { return sub(read().second, m_baseFiles); }
+    // Bytes and files added since the start, from one look at the file system.
+    std::pair<uint64_t, uint64_t> added() const
+    {
+        const auto [bytes, files] = read();
+        return {sub(bytes, m_baseBytes), sub(files, m_baseFiles)};
+    }
 
 private:
     static uint64_t sub(uint64_t a, uint64_t b) { return a > b ? a - b : 0; }
@@ -190,7 +194,7 @@ FileCopyReport FileCopy::copy(const FileCopyJob& job, const std::atomic_bool& st
         if (Clock::now() - lastReport < m_options.reportInterval)
             return false;
         lastReport = Clock::now();
-        const uint64_t bytes = usage.bytes(), files = usage.files();
+        const auto [bytes, files] = usage.added();
         if (bytes == report.copiedsize() && files == report.copiedfiles())
             return false;
         report.set_copiedsize(bytes);
@@ -226,9 +230,10 @@ FileCopyReport FileCopy::copy(const FileCopyJob& job, const std::atomic_bool& st
     qCInfo(copyLog, "Copying %s (%s) to %s (%s), leaving out %d paths and %d extensions, keeping %d system paths: %s",
         source.device.c_str(), source.fileSystem.c_str(), destination.device.c_str(), destination.fileSystem.c_str(),
         job.filter.paths_size(), job.filter.extensions_size(), job.filter.systempaths_size(), commandLine.c_str());
-    const RsyncRun::Result result = RsyncRun(m_options.rsync, arguments, m_options.stallLimit).run(stop, nullptr, onError, onTick);
-    report.set_copiedsize(usage.bytes());
-    report.set_copiedfiles(usage.files());
+    const RsyncRun::Result result = RsyncRun(m_options.rsync, arguments, m_options.stallLimit).run(stop, onError, onTick);
+    const auto [bytes, files] = usage.added();
+    report.set_copiedsize(bytes);
+    report.set_copiedfiles(files);
 
     switch (result.outcome) {
     case RsyncRun::Outcome::Stopped:

@@ -76,8 +76,7 @@ RsyncRun::RsyncRun(std::string program, std::vector<std::string> arguments, std:
 {
 }
 
-RsyncRun::Result RsyncRun::run(const std::atomic_bool& stop, const LineHandler& onOutput, const LineHandler& onError,
-    const TickHandler& onTick) const
+RsyncRun::Result RsyncRun::run(const std::atomic_bool& stop, const LineHandler& onError, const TickHandler& onTick) const
 {
     Result result;
     Pipe out, err;
@@ -122,7 +121,8 @@ RsyncRun::Result RsyncRun::run(const std::atomic_bool& stop, const LineHandler& 
         return result;
     }
 
-    LineSplitter outLines(onOutput), errLines(onError);
+    const LineHandler ignored;
+    LineSplitter outLines(ignored), errLines(onError);
     pollfd fds[2] = {{out.read, POLLIN, 0}, {err.read, POLLIN, 0}};
     int openPipes = 2;
     Clock::time_point lastSign = Clock::now();

@@ -27,8 +27,8 @@ public:
 
     RsyncRun(std::string program, std::vector<std::string> arguments, std::chrono::milliseconds stallLimit);
 
-    Result run(const std::atomic_bool& stop, const LineHandler& onOutput, const LineHandler& onError,
-        const TickHandler& onTick) const;
+    // rsync's error lines go to `onError`; its standard output only shows that it is alive.
+    Result run(const std::atomic_bool& stop, const LineHandler& onError, const TickHandler& onTick) const;
 
     // A longer line is cut; rsync's lines are short unless a path is absurdly long.
     static constexpr size_t LineLimit = 64 * 1024;

@@ -1,7 +1,7 @@
 #include "devices/DriveEnumerator.h"
 
 #include "devices/DevicesLog.h"
-#include "devices/Sysfs.h"
+#include "common/Sysfs.h"
 
 #include <QFile>
 #include <QFileInfo>

@@ -1,6 +1,6 @@
 #include "devices/FilePropertySource.h"
 
-#include "devices/Sysfs.h"
+#include "common/Sysfs.h"
 
 namespace Velmora::Daemon::Devices {
 

@@ -1,5 +1,7 @@
 #include "BlockDevices.h"
 
+#include "common/Sysfs.h"
+
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
@@ -22,17 +24,10 @@ QString sysBlock(const QString& disk)
     return QStringLiteral("/sys/block/") + disk;
 }
 
-QByteArray readSmall(const QString& path)
-{
-    QFile file(path);
-    if (!file.open(QIODevice::ReadOnly))
-        return QByteArray();
-    return file.read(4096).trimmed();
-}
-
+// Unreadable counts as 0.
 quint64 readNumber(const QString& path)
 {
-    return readSmall(path).toULongLong();
+    return Sysfs::number(path).value_or(0);
 }
 
 bool deviceNumber(const QString& path, dev_t* device)
@@ -111,15 +106,9 @@ quint64 sizeBytes(const QString& disk)
     return readNumber(sysBlock(disk) + QStringLiteral("/size")) * SysfsSector;
 }
 
-quint32 logicalSectorSize(const QString& disk)
-{
-    const quint64 size = readNumber(sysBlock(disk) + QStringLiteral("/queue/logical_block_size"));
-    return size == 0 ? SysfsSector : static_cast<quint32>(size);
-}
-
 bool readOnly(const QString& disk)
 {
-    return readSmall(sysBlock(disk) + QStringLiteral("/ro")) != "0";
+    return Sysfs::text(sysBlock(disk) + QStringLiteral("/ro")) != QLatin1String("0");
 }
 
 QStringList holders(const QString& disk)
@@ -136,10 +125,8 @@ QStringList holders(const QString& disk)
 QString identity(const QString& disk)
 {
     // diskseq grows with every attachment; kernels without it fall back on the size.
-    const QByteArray sequence = readSmall(sysBlock(disk) + QStringLiteral("/diskseq"));
     return QStringLiteral("%1/%2/%3")
-        .arg(QString::fromLatin1(readSmall(sysBlock(disk) + QStringLiteral("/dev"))))
-        .arg(QString::fromLatin1(sequence))
+        .arg(Sysfs::text(sysBlock(disk) + QStringLiteral("/dev")), Sysfs::text(sysBlock(disk) + QStringLiteral("/diskseq")))
         .arg(sizeBytes(disk));
 }
 

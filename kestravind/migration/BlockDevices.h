@@ -34,7 +34,6 @@ namespace BlockDevices {
 QString wholeDiskName(const QString& devicePath);
 QVector<KernelPartition> partitions(const QString& disk);
 quint64 sizeBytes(const QString& disk);
-quint32 logicalSectorSize(const QString& disk);
 bool readOnly(const QString& disk);
 // What holds the disk or one of its partitions open: LVM, RAID, device-mapper, bcache.
 QStringList holders(const QString& disk);

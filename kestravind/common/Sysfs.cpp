@@ -1,4 +1,4 @@
-#include "devices/Sysfs.h"
+#include "common/Sysfs.h"
 
 #include <QDir>
 
@@ -6,7 +6,7 @@
 #include <fcntl.h>
 #include <unistd.h>
 
-namespace Velmora::Daemon::Devices::Sysfs {
+namespace Velmora::Daemon::Sysfs {
 
 std::optional<QByteArray> read(const QString& path)
 {
@@ -59,4 +59,4 @@ QStringList entries(const QString& directory)
     return QDir(directory).entryList(QDir::AllEntries | QDir::System | QDir::NoDotAndDotDot, QDir::Name);
 }
 
-} // namespace Velmora::Daemon::Devices::Sysfs
+} // namespace Velmora::Daemon::Sysfs

@@ -6,7 +6,7 @@
 
 #include <optional>
 
-namespace Velmora::Daemon::Devices::Sysfs {
+namespace Velmora::Daemon::Sysfs {
 
 // The whole content of a small kernel file (sysfs attribute, /proc file); nullopt when it cannot
 // be read, with errno left as the failed call set it.
@@ -18,4 +18,4 @@ bool exists(const QString& path);
 // Names in a directory, without . and ..; empty when unreadable.
 QStringList entries(const QString& directory);
 
-} // namespace Velmora::Daemon::Devices::Sysfs
+} // namespace Velmora::Daemon::Sysfs
