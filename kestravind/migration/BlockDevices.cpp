@@ -1,6 +1,7 @@
 #include "BlockDevices.h"
 
 #include "common/Sysfs.h"
+#include "devices/MountTable.h"
 
 #include <QDir>
 #include <QFile>
@@ -60,15 +61,15 @@ void collectDisks(const QString& sysfsDir, int depth, QSet<QString>* disks)
 
 // A mount of a file system without a device number of its own (btrfs, some overlays) names its
 // device as its source.
-dev_t mountDevice(const QList<QByteArray>& fields, int separator)
+// The block device of a mount; a file system with a number of its own (btrfs) by its source.
+dev_t mountDevice(const Devices::MountTable::Mount& mount)
 {
-    const QList<QByteArray> numbers = fields.value(2).split(':');
+    const QStringList numbers = mount.device.split(QLatin1Char(':'));
     const dev_t device = makedev(numbers.value(0).toUInt(), numbers.value(1).toUInt());
     if (major(device) != 0)
         return device;
     dev_t fromSource = 0;
-    const QString source = QString::fromUtf8(fields.value(separator + 2));
-    if (source.startsWith(QLatin1String("/dev/")) && deviceNumber(source, &fromSource))
+    if (mount.source.startsWith(QLatin1String("/dev/")) && deviceNumber(mount.source, &fromSource))
         return fromSource;
     return 0;
 }
@@ -141,22 +142,15 @@ QSet<QString> disksOf(dev_t device)
 DiskUse currentUse()
 {
     DiskUse use;
-    QFile mounts(QStringLiteral("/proc/self/mountinfo"));
-    if (mounts.open(QIODevice::ReadOnly)) {
-        for (const QByteArray& line : mounts.readAll().split('\n')) {
-            const QList<QByteArray> fields = line.split(' ');
-            const int separator = fields.indexOf("-");
-            if (separator < 6)
-                continue;
-            const dev_t device = mountDevice(fields, separator);
-            if (device == 0)
-                continue;
-            const QString mountPoint = QString::fromUtf8(fields.value(4));
-            for (const QString& disk : disksOf(device)) {
-                use.mounted.insert(disk, mountPoint);
-                if (mountPoint == QLatin1String("/"))
-                    use.rootDisks.insert(disk);
-            }
+    const Devices::MountTable table = Devices::MountTable::fromFile(QStringLiteral("/proc/self/mountinfo"));
+    for (const Devices::MountTable::Mount& mount : table.mounts()) {
+        const dev_t device = mountDevice(mount);
+        if (device == 0)
+            continue;
+        for (const QString& disk : disksOf(device)) {
+            use.mounted.insert(disk, mount.mountPoint);
+            if (mount.mountPoint == QLatin1String("/"))
+                use.rootDisks.insert(disk);
         }
     }
     QFile swaps(QStringLiteral("/proc/swaps"));
