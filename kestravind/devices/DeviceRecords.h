@@ -46,8 +46,6 @@ struct DriveRecord
     QString busType; // SATA, NVMe, USB, Virtio, SCSI, MMC, Loop
     QString instancePath; // udev's ID_PATH, else the sysfs path of the device
     quint64 size = 0; // bytes
-    bool rotational = false;
-    bool removable = false;
     quint32 sataSupportedSpeed = SataSpeedUnknown;
     quint32 sataCurrentSpeed = SataSpeedUnknown;
     PartitionStyle partitionStyle = PartitionStyle::Raw;

@@ -93,8 +93,7 @@ QString firstNonEmpty(std::initializer_list<QString> candidates)
     return QString();
 }
 
-} // namespace
-
+// Bytes in use of a mounted file system, as statvfs reports them: all blocks less the free ones.
 std::optional<quint64> statvfsUsedBytes(const QString& mountPoint)
 {
     struct statvfs stats;
@@ -102,6 +101,8 @@ std::optional<quint64> statvfsUsedBytes(const QString& mountPoint)
         return std::nullopt;
     return static_cast<quint64>(stats.f_blocks - stats.f_bfree) * stats.f_frsize;
 }
+
+} // namespace
 
 DriveEnumerator::DriveEnumerator(EnumeratorOptions options, std::shared_ptr<PropertySource> properties)
     : m_options(std::move(options))
@@ -171,8 +172,6 @@ std::optional<DriveRecord> DriveEnumerator::readDrive(const QString& name, const
     const QString canonicalPath = QFileInfo(directory).canonicalFilePath();
     drive.busType = busTypeOf(name, canonicalPath, properties);
     readIdentity(&drive, directory, properties);
-    drive.rotational = Sysfs::text(directory + QLatin1String("/queue/rotational")) == QLatin1String("1");
-    drive.removable = Sysfs::text(directory + QLatin1String("/removable")) == QLatin1String("1");
     drive.instancePath = firstNonEmpty({properties.value(QStringLiteral("ID_PATH")),
         canonicalPath.mid(m_options.sysfsRoot.size())});
     if (drive.busType == QLatin1String("SATA"))

@@ -21,9 +21,6 @@ struct EnumeratorOptions
     std::function<std::optional<quint64>(const QString& mountPoint)> usedBytes;
 };
 
-// Bytes in use of a mounted file system, as statvfs reports them: all blocks less the free ones.
-std::optional<quint64> statvfsUsedBytes(const QString& mountPoint);
-
 // Every disk of the machine that a user would call a drive (SATA, NVMe, USB, virtio, SCSI, MMC),
 // with its partitions. Loop, RAM, zram, device-mapper, md, optical and floppy devices are left out.
 class DriveEnumerator

@@ -18,6 +18,10 @@ Velmora::Message::SystemInfo DriveRegistry::rescan()
     QVector<DriveRecord> found = m_scan();
 
     std::lock_guard<std::mutex> lock(m_mutex);
+    // A device of the last scan keeps its id.
+    QHash<QString, quint32> previous;
+    for (const DriveRecord& drive : std::as_const(m_drives))
+        previous.insert(drive.identity, drive.id);
     QHash<QString, quint32> ids;
     QMap<quint32, DriveRecord> drives;
     for (DriveRecord& drive : found) {
@@ -25,8 +29,8 @@ Velmora::Message::SystemInfo DriveRegistry::rescan()
             qCWarning(devicesLog, "Drive %s reported twice in one scan; the second left out", qPrintable(drive.name));
             continue;
         }
-        const auto known = m_ids.constFind(drive.identity);
-        if (known != m_ids.constEnd()) {
+        const auto known = previous.constFind(drive.identity);
+        if (known != previous.constEnd()) {
             drive.id = known.value();
         } else {
             drive.id = m_nextId++;
@@ -35,7 +39,6 @@ Velmora::Message::SystemInfo DriveRegistry::rescan()
         ids.insert(drive.identity, drive.id);
         drives.insert(drive.id, std::move(drive));
     }
-    m_ids = std::move(ids);
     m_drives = std::move(drives);
     return toSystemInfo(QVector<DriveRecord>::fromList(m_drives.values()));
 }

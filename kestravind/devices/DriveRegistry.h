@@ -38,7 +38,6 @@ private:
     Scan m_scan;
     std::mutex m_scanMutex;
     mutable std::mutex m_mutex;
-    QHash<QString, quint32> m_ids; // identity -> id, of the devices of the last scan
     QMap<quint32, DriveRecord> m_drives;
     quint32 m_nextId = 0;
 };

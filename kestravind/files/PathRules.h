@@ -46,8 +46,6 @@ public:
     // The bucket of a file named `name` in a folder whose path rules gave `inherited`.
     int bucketOf(std::string_view name, const Match& inherited) const;
 
-    int defaultBucket() const { return m_defaultBucket; }
-
 private:
     struct Node {
         std::unordered_map<std::string, int> children;
