@@ -4,8 +4,7 @@
 // folder and a file type left out as a user leaves them out in the filter page.
 
 #include "LoopDisk.h"
-#include "communication/Dispatcher.h"
-#include "communication/NamedPipeClient.h"
+#include "RealService.h"
 #include "logger/Logger.h"
 #include "migration/Migration.h"
 #include "migration/MigrationController.h"
@@ -23,7 +22,6 @@
 #include "system/System.h"
 #include "system/SystemManager.h"
 
-#include <QProcess>
 #include <QSignalSpy>
 #include <QTemporaryDir>
 #include <QTest>
@@ -44,26 +42,15 @@ private slots:
     void movesTheVolume();
 
 private:
-    System::Drive* driveNamed(const QString& model) const;
-
     QTemporaryDir m_folder;
     std::unique_ptr<LoopDisk> m_source;
     std::unique_ptr<LoopDisk> m_destination;
     QString m_sourceVolume;
-    QProcess m_service;
+    RealService m_service;
     System::System m_system;
     System::SystemManager m_manager {&m_system};
     Migration::MigrationController m_controller {&m_manager, &m_system};
 };
-
-System::Drive* TestRealMigration::driveNamed(const QString& model) const
-{
-    for (int id : m_system.driveIds()) {
-        if (m_system.drive(id)->model() == model)
-            return m_system.drive(id);
-    }
-    return nullptr;
-}
 
 void TestRealMigration::initTestCase()
 {
@@ -119,26 +106,16 @@ void TestRealMigration::initTestCase()
     QVERIFY(sparse.open(QIODevice::WriteOnly) && sparse.resize(64 << 20));
     sparse.close();
 
-    m_service.setProcessChannelMode(QProcess::MergedChannels);
-    const QString socket = m_folder.filePath(QStringLiteral("service"));
-    m_service.start(QStringLiteral(KESTRAVIND_PATH), {QStringLiteral("--socket"), socket, QStringLiteral("--include-loop")});
-    QTRY_VERIFY_WITH_TIMEOUT(QFile::exists(socket), 10000);
-    auto* client = new Communication::NamedPipeClient(this);
-    auto* dispatcher = new Communication::Dispatcher(this);
-    client->setServerName(socket);
-    connect(client, &Communication::NamedPipeClient::connectedToServer, dispatcher, &Communication::Dispatcher::clientConnected);
-    connect(client, &Communication::NamedPipeClient::messageReceived, dispatcher, &Communication::Dispatcher::dispatchMessage);
-    connect(dispatcher, &Communication::Dispatcher::sendMessageToClient, client, &Communication::NamedPipeClient::sendMessage);
-    dispatcher->registerHandler(&m_manager);
-    dispatcher->registerHandler(&m_controller);
-    client->connectToServer();
-    QTRY_VERIFY_WITH_TIMEOUT(driveNamed(QStringLiteral("realmigration-source.img")) && driveNamed(QStringLiteral("BRANTEL-realmigration.img")), 10000);
+    QVERIFY(m_service.start(m_folder.filePath(QStringLiteral("service"))));
+    m_service.dispatcher()->registerHandler(&m_manager);
+    m_service.dispatcher()->registerHandler(&m_controller);
+    m_service.connectClient();
+    QTRY_VERIFY_WITH_TIMEOUT(driveWithModel(m_system, QStringLiteral("realmigration-source.img")) && driveWithModel(m_system, QStringLiteral("BRANTEL-realmigration.img")), 10000);
 }
 
 void TestRealMigration::cleanupTestCase()
 {
-    m_service.terminate();
-    m_service.waitForFinished(5000);
+    m_service.stop();
     m_destination.reset();
     m_source.reset();
     System::SupportedDrivesManager::release();
@@ -147,8 +124,8 @@ void TestRealMigration::cleanupTestCase()
 void TestRealMigration::movesTheVolume()
 {
     Migration::Migration* model = m_controller.migration();
-    const System::Drive* source = driveNamed(QStringLiteral("realmigration-source.img"));
-    const System::Drive* target = driveNamed(QStringLiteral("BRANTEL-realmigration.img"));
+    const System::Drive* source = driveWithModel(m_system, QStringLiteral("realmigration-source.img"));
+    const System::Drive* target = driveWithModel(m_system, QStringLiteral("BRANTEL-realmigration.img"));
     QVERIFY(model->destinationDrives().contains(const_cast<System::Drive*>(target)));
     model->setSourceDriveId(source->id());
     model->setDestDriveId(target->id());

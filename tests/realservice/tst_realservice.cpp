@@ -1,6 +1,5 @@
 #include "LoopDisk.h"
-#include "communication/Dispatcher.h"
-#include "communication/NamedPipeClient.h"
+#include "RealService.h"
 #include "logger/Logger.h"
 #include "performance/PerformanceCheck.h"
 #include "performance/PerformanceResult.h"
@@ -15,7 +14,6 @@
 #include "system/System.h"
 #include "system/SystemManager.h"
 
-#include <QProcess>
 #include <QSignalSpy>
 #include <QTemporaryDir>
 #include <QTest>
@@ -46,7 +44,7 @@ private:
     std::unique_ptr<LoopDisk> m_disk;
     QString m_volume;
     QMap<int, qint64> m_written; // bytes per file category
-    QProcess m_service;
+    RealService m_service;
     System::System* m_system = nullptr;
     System::Drive* m_drive = nullptr;
     Performance::PerformanceCheck* m_performance = nullptr;
@@ -96,36 +94,19 @@ void TestRealService::initTestCase()
     }
     QVERIFY(QFile::link(m_volume + QStringLiteral("/film.mp4"), m_volume + QStringLiteral("/deep/film-link.mp4")));
 
-    const QString socket = m_folder.filePath(QStringLiteral("service"));
-    m_service.setProcessChannelMode(QProcess::MergedChannels);
-    m_service.start(QStringLiteral(KESTRAVIND_PATH), {QStringLiteral("--socket"), socket, QStringLiteral("--include-loop")});
-    QTRY_VERIFY_WITH_TIMEOUT(QFile::exists(socket), 10000);
-
-    auto* client = new Communication::NamedPipeClient(this);
-    client->setServerName(socket);
-    auto* dispatcher = new Communication::Dispatcher(this);
-    connect(client, &Communication::NamedPipeClient::connectedToServer, dispatcher, &Communication::Dispatcher::clientConnected);
-    connect(client, &Communication::NamedPipeClient::messageReceived, dispatcher, &Communication::Dispatcher::dispatchMessage);
-    connect(dispatcher, &Communication::Dispatcher::sendMessageToClient, client, &Communication::NamedPipeClient::sendMessage);
+    QVERIFY(m_service.start(m_folder.filePath(QStringLiteral("service"))));
     m_system = new System::System(this);
     m_performance = new Performance::PerformanceCheck(m_system, this);
-    dispatcher->registerHandler(new System::SystemManager(m_system, this));
-    dispatcher->registerHandler(new Smart::SmartManager(m_system, this));
-    dispatcher->registerHandler(m_performance);
-    client->connectToServer();
-    QTRY_VERIFY_WITH_TIMEOUT(m_drive = [this]() -> System::Drive* {
-        for (int id : m_system->driveIds()) {
-            if (m_system->drive(id)->model() == QLatin1String("realservice-disk.img"))
-                return m_system->drive(id);
-        }
-        return nullptr;
-    }(), 10000);
+    m_service.dispatcher()->registerHandler(new System::SystemManager(m_system, this));
+    m_service.dispatcher()->registerHandler(new Smart::SmartManager(m_system, this));
+    m_service.dispatcher()->registerHandler(m_performance);
+    m_service.connectClient();
+    QTRY_VERIFY_WITH_TIMEOUT(m_drive = driveWithModel(*m_system, QStringLiteral("realservice-disk.img")), 10000);
 }
 
 void TestRealService::cleanupTestCase()
 {
-    m_service.terminate();
-    m_service.waitForFinished(5000);
+    m_service.stop();
     m_disk.reset();
     System::SupportedDrivesManager::release();
 }
