@@ -79,13 +79,13 @@ chmod +x "$work/bin/Kestravin_Service"
 "$work/bin/kestravin" >"$work/program.out" 2>&1 &
 pids+=($!)
 
-window=
-find_window() { window=$(xdotool search --onlyvisible --name "^$title" 2>/dev/null | head -n1); [ -n "$window" ]; }
-poll 30000 find_window || { echo "no window" >&2; exit 1; }
-xdotool windowmove "$window" 0 0 windowsize "$window" "$width" "$height"
+shots_dir=$work
+source scripts/window-driving.sh
+fit_window "$title" "$width" "$height" || { echo "no window" >&2; exit 1; }
 poll 30000 grep -q 'Add drive: 1' "$work/program.out" || { echo "no drive list" >&2; exit 1; }
 sleep 2
 
+# Its own shot: smaller pictures, for the README.
 shot() {
   # A click in the title area closes a drop-down; the pointer rests there, lighting nothing up.
   xdotool mousemove $((width / 2)) 30 click 1
@@ -94,8 +94,6 @@ shot() {
   pngquant --speed 1 --strip --force --output "$output/$1.png" -- "$work/$1.png"
   echo "$output/$1.png"
 }
-# Coordinates are the window's: it fills the screen from the top left corner.
-click() { xdotool mousemove "$1" "$2" click 1; sleep "${3:-0.5}"; }
 menu_y=87
 menu_x() { echo $((width * (2 * $1 + 1) / 10)); } # the five menu groups, from 0
 # A click opens a group's drop-down; one in the title area closes what is open first.
@@ -116,5 +114,5 @@ click "$(menu_x 2)" $menu_y 1.2
 click $((width * 26 / 100)) 250; xdotool key Down Return; sleep 0.6
 click $((width * 74 / 100)) 250; xdotool key Down Return; sleep 0.6
 shot migration-drives 0.3
-click $((width - 93)) $((height - 91)) 1.5
+lead_on 1.5
 shot migration-partitions 9
