@@ -132,8 +132,8 @@ int main(int argc, char* argv[])
     collaborators.supportManager = supportManager;
     collaborators.supportCaptcha = supportCaptcha;
     collaborators.adsManager = adsManager;
-    auto* mainWindow = new Gui::MainWindow(collaborators);
-    auto* frame = new Gui::MainWindowWinFrame(mainWindow);
+    auto* frame = new Gui::MainWindowWinFrame(collaborators);
+    Gui::MainWindow* mainWindow = frame->mainWindow();
     QObject::connect(mainWindow, &Gui::MainWindow::applicationUpdateAvailable, app,
         qOverload<QString, QVariant>(&Application::Application::showSystemTrayInformationMessage));
     QObject::connect(app, &Application::Application::showDriveStatusPage, mainWindow, &Gui::MainWindow::showDriveStatusPage);

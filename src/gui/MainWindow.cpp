@@ -34,17 +34,31 @@
 #include <QStackedWidget>
 #include <QVBoxLayout>
 
-#include <utility>
-
 namespace Velmora::Gui {
 
 namespace {
 
+// A window button is as big as it is, whatever its font: the title area is laid out without a font
+// engine for the glyphs, whose font is loaded when they are first painted.
+class WindowButton : public QPushButton
+{
+public:
+    WindowButton(const QString& glyph, QWidget* parent)
+        : QPushButton(glyph, parent)
+    {
+        setFixedSize(Size);
+    }
+    QSize sizeHint() const override { return Size; }
+    QSize minimumSizeHint() const override { return Size; }
+
+private:
+    static constexpr QSize Size{32, 32};
+};
+
 QPushButton* windowButton(const QString& objectName, const QString& glyph, QWidget* parent)
 {
-    auto* button = new QPushButton(glyph, parent);
+    auto* button = new WindowButton(glyph, parent);
     button->setObjectName(objectName);
-    button->setFixedSize(32, 32);
     button->setFocusPolicy(Qt::NoFocus);
     return button;
 }
@@ -60,11 +74,11 @@ MainWindow::MainWindow(const Collaborators& collaborators, QWidget* parent)
     setObjectName(QStringLiteral("MainWindow"));
     setAttribute(Qt::WA_StyledBackground);
     initGuiResources();
-    // Applied when the window is first polished: a window with a style sheet of its own restyles all
-    // its widgets once more when the frame takes it in.
+    // Set before any widget exists, so that each is styled once, by the final rules. Moving the window
+    // into another parent later restyles all of it.
     QFile stylesheet(QStringLiteral(":/style/MainWindowStylesheet"));
     if (stylesheet.open(QIODevice::ReadOnly))
-        pendingStyleSheet = QString::fromUtf8(stylesheet.readAll());
+        setStyleSheet(QString::fromUtf8(stylesheet.readAll()));
 
     auto* layout = new QVBoxLayout(this);
     layout->setContentsMargins(0, 0, 0, 0);
@@ -121,14 +135,6 @@ MainWindow::MainWindow(const Collaborators& collaborators, QWidget* parent)
     connect(resoreWindow, &QPushButton::clicked, this, &MainWindow::restoreWindowRequest);
     connect(closeWindow, &QPushButton::clicked, this, &MainWindow::closeWindowRequest);
     setMaximizeButtonVisible(true);
-}
-
-bool MainWindow::event(QEvent* event)
-{
-    // Before the widgets are polished, so that each is styled once, by the final rules.
-    if (event->type() == QEvent::Polish && !pendingStyleSheet.isEmpty())
-        setStyleSheet(std::exchange(pendingStyleSheet, QString()));
-    return QWidget::event(event);
 }
 
 void MainWindow::connectCollaborators()

@@ -103,9 +103,6 @@ private slots:
     void onMigrationStarted();
     void onMigrationStopped();
 
-protected:
-    bool event(QEvent* event) override;
-
 private:
     QWidget* buildHeader();
     void buildFooters(QVBoxLayout* layout);
@@ -124,7 +121,6 @@ private:
     AboutWidget* aboutWidget = nullptr;
     QMap<int, int> pages;
     bool migrationRunning = false;
-    QString pendingStyleSheet;
 
     TitleBar* header = nullptr;
     QLabel* windowTitle = nullptr;

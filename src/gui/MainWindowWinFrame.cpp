@@ -31,9 +31,9 @@ QList<QRect> availableScreenAreas()
 
 } // namespace
 
-MainWindowWinFrame::MainWindowWinFrame(MainWindow* mainWindow, QWidget* parent)
+MainWindowWinFrame::MainWindowWinFrame(const MainWindow::Collaborators& collaborators, QWidget* parent)
     : QWidget(parent, Qt::Window | Qt::FramelessWindowHint)
-    , mainWindow(mainWindow)
+    , m_mainWindow(new MainWindow(collaborators, this))
     , layout(new QVBoxLayout(this))
     , screenAreas(availableScreenAreas)
 {
@@ -45,14 +45,14 @@ MainWindowWinFrame::MainWindowWinFrame(MainWindow* mainWindow, QWidget* parent)
 
     layout->setContentsMargins(0, 0, 0, 0);
     layout->setSpacing(0);
-    layout->addWidget(mainWindow);
-    mainWindow->setVisible(true);
-    m_titleBarHeight = mainWindow->headerHeight();
+    layout->addWidget(m_mainWindow);
+    m_mainWindow->setVisible(true);
+    m_titleBarHeight = m_mainWindow->headerHeight();
 
-    connect(mainWindow, &MainWindow::minimizeWindowRequest, this, &MainWindowWinFrame::onMinimizeWindowRequest);
-    connect(mainWindow, &MainWindow::maximizeWindowRequest, this, &MainWindowWinFrame::onMaximizeWindowRequest);
-    connect(mainWindow, &MainWindow::restoreWindowRequest, this, &MainWindowWinFrame::onRestoreWindowRequest);
-    connect(mainWindow, &MainWindow::closeWindowRequest, this, &MainWindowWinFrame::onCloseWindowRequest);
+    connect(m_mainWindow, &MainWindow::minimizeWindowRequest, this, &MainWindowWinFrame::onMinimizeWindowRequest);
+    connect(m_mainWindow, &MainWindow::maximizeWindowRequest, this, &MainWindowWinFrame::onMaximizeWindowRequest);
+    connect(m_mainWindow, &MainWindow::restoreWindowRequest, this, &MainWindowWinFrame::onRestoreWindowRequest);
+    connect(m_mainWindow, &MainWindow::closeWindowRequest, this, &MainWindowWinFrame::onCloseWindowRequest);
 
     // Presses land on the widgets of the main window, not on the frame: watch them all to find the
     // ones on the border and in the title area.
@@ -124,7 +124,7 @@ void MainWindowWinFrame::show()
     if (toMaximize) {
         maximize();
     } else {
-        mainWindow->setMaximizeButtonVisible(true);
+        m_mainWindow->setMaximizeButtonVisible(true);
         maximized = false;
     }
 }
@@ -138,14 +138,14 @@ void MainWindowWinFrame::showAfterHiding()
     if (maximized) {
         maximize();
     } else {
-        mainWindow->setMaximizeButtonVisible(true);
+        m_mainWindow->setMaximizeButtonVisible(true);
         maximized = false;
     }
 }
 
 void MainWindowWinFrame::showNormal()
 {
-    mainWindow->setMaximizeButtonVisible(true);
+    m_mainWindow->setMaximizeButtonVisible(true);
     maximized = false;
 }
 
@@ -153,14 +153,14 @@ void MainWindowWinFrame::maximize()
 {
     saveGeometry();
     QWidget::showMaximized();
-    mainWindow->setMaximizeButtonVisible(false);
+    m_mainWindow->setMaximizeButtonVisible(false);
     maximized = true;
 }
 
 void MainWindowWinFrame::restore()
 {
     QWidget::showNormal();
-    mainWindow->setMaximizeButtonVisible(true);
+    m_mainWindow->setMaximizeButtonVisible(true);
     maximized = false;
 }
 
@@ -239,7 +239,7 @@ void MainWindowWinFrame::changeEvent(QEvent* event)
         if (isMaximized() && !maximized)
             saveGeometry();
         maximized = isMaximized();
-        mainWindow->setMaximizeButtonVisible(!maximized);
+        m_mainWindow->setMaximizeButtonVisible(!maximized);
     }
     QWidget::changeEvent(event);
 }
@@ -306,7 +306,7 @@ bool MainWindowWinFrame::eventFilter(QObject* watched, QEvent* event)
         return true;
     default: {
         const QPoint local = mapFromGlobal(mouse->globalPos());
-        if (mouse->button() != Qt::LeftButton || local.y() >= m_titleBarHeight || !mainWindow->isCaptionWidget(target))
+        if (mouse->button() != Qt::LeftButton || local.y() >= m_titleBarHeight || !m_mainWindow->isCaptionWidget(target))
             return false;
         if (isMaximized())
             restore();
@@ -341,7 +341,7 @@ bool MainWindowWinFrame::handleMousePress(QWidget* target, QMouseEvent* event)
     if (event->button() != Qt::LeftButton)
         return false;
     const QPoint local = mapFromGlobal(event->globalPos());
-    const bool onCaption = local.y() < m_titleBarHeight && mainWindow->isCaptionWidget(target);
+    const bool onCaption = local.y() < m_titleBarHeight && m_mainWindow->isCaptionWidget(target);
     if (isMaximized()) {
         // A zoomed window has no border to resize by, but its title area pulls it back to its place.
         if (!onCaption)

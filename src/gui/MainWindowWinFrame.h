@@ -1,5 +1,7 @@
 #pragma once
 
+#include "gui/MainWindow.h"
+
 #include <QList>
 #include <QPoint>
 #include <QRect>
@@ -10,8 +12,6 @@
 class QVBoxLayout;
 
 namespace Velmora::Gui {
-
-class MainWindow;
 
 // The program's top-level window: frameless, hosting the MainWindow. It moves from the title area
 // and resizes from a thin border, through the window manager when there is one and by itself
@@ -26,8 +26,12 @@ public:
     static constexpr int defaultHeight = 1024;
     static constexpr int defaultWidth = 1280;
 
-    explicit MainWindowWinFrame(MainWindow* mainWindow, QWidget* parent = nullptr);
+    // Builds the main window inside itself: made in its final place, under its final style sheet,
+    // every widget of it is styled once.
+    explicit MainWindowWinFrame(const MainWindow::Collaborators& collaborators, QWidget* parent = nullptr);
     ~MainWindowWinFrame() override;
+
+    MainWindow* mainWindow() const { return m_mainWindow; }
 
     // Where windows may be placed; the available geometries of the screens unless a test says
     // otherwise.
@@ -76,7 +80,7 @@ private:
 
     int m_borderWidth = 6;
     int m_titleBarHeight = 64;
-    MainWindow* mainWindow;
+    MainWindow* m_mainWindow;
     QVBoxLayout* layout;
     bool maximized = false;
     bool shownBefore = false;

@@ -295,8 +295,8 @@ void TestGuiMainWindow::dragWithoutWindowManager()
     QFETCH(QRect, expected);
 
     System::System system;
-    auto* window = new Gui::MainWindow(collaboratorsOf(&system));
-    Gui::MainWindowWinFrame frame(window);
+    Gui::MainWindowWinFrame frame(collaboratorsOf(&system));
+    Gui::MainWindow* window = frame.mainWindow();
     frame.setScreenAreas([] { return QList<QRect> { Desktop }; });
     frame.show();
     frame.setGeometry(100, 100, 1000, 700);
@@ -322,7 +322,7 @@ void TestGuiMainWindow::dragWithoutWindowManager()
 void TestGuiMainWindow::zoomKeepsThePlaceBeforeIt()
 {
     System::System system;
-    Gui::MainWindowWinFrame frame(new Gui::MainWindow(collaboratorsOf(&system)));
+    Gui::MainWindowWinFrame frame(collaboratorsOf(&system));
     const QRect screen(0, 0, 1366, 768);
     frame.setScreenAreas([screen] { return QList<QRect> { screen }; });
     const auto savedGeometry = [] { return Settings::SettingsManager::value("MainWindow", "Geometry").toRect(); };

@@ -102,8 +102,8 @@ void TestGuiMachineSim::initTestCase()
     collaborators.systemManager = systemManager;
     collaborators.system = m_system;
     collaborators.firmwareUpdate = firmwareUpdate;
-    m_window = new Gui::MainWindow(collaborators);
-    m_frame = new Gui::MainWindowWinFrame(m_window);
+    m_frame = new Gui::MainWindowWinFrame(collaborators);
+    m_window = m_frame->mainWindow();
     m_frame->setScreenAreas([] { return QList<QRect> { QRect(0, 0, 1920, 1080) }; });
     m_frame->show();
 
