@@ -62,6 +62,8 @@ int main(int argc, char* argv[])
         Logger::debug(QString(), QStringLiteral("Other instance detected. Shutting down."));
         guard->notifyOtherInstance();
         app->quit();
+        // The first fonts are being read on a thread, which must not outlive the font database.
+        app->finishLoadingFirstFonts();
         return 0;
     }
     Logger::debug(QString(), QStringLiteral("No instance detected."));
@@ -132,6 +134,7 @@ int main(int argc, char* argv[])
     collaborators.supportManager = supportManager;
     collaborators.supportCaptcha = supportCaptcha;
     collaborators.adsManager = adsManager;
+    app->finishLoadingFirstFonts();
     auto* frame = new Gui::MainWindowWinFrame(collaborators);
     Gui::MainWindow* mainWindow = frame->mainWindow();
     QObject::connect(mainWindow, &Gui::MainWindow::applicationUpdateAvailable, app,

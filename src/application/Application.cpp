@@ -34,6 +34,7 @@ Application::Application(int& argc, char** argv, std::unique_ptr<Platform::Autos
     : QApplication(argc, argv)
     , m_autostart(autostart ? std::move(autostart) : nullptr)
 {
+    startLoadingFonts();
     setOrganizationName(QStringLiteral("BRANTEL"));
     setApplicationName(QStringLiteral("KESTRAVIN"));
     setApplicationVersion(QLatin1String(Update::ApplicationUpdate::ApplicationVersion));
@@ -50,9 +51,7 @@ Application::Application(int& argc, char** argv, std::unique_ptr<Platform::Autos
         Settings::storedString(QLatin1String(ApplicationGroup), QLatin1String(LanguageKey), QStringLiteral("en")));
 
     m_notifications = new TrayNotifications(this);
-    createTray();
     setQuitOnLastWindowClosed(false);
-    loadFonts();
 }
 
 Application::~Application() = default;
@@ -64,8 +63,9 @@ bool Application::hasMinimizedOption(const QStringList& arguments)
 
 void Application::createTray()
 {
-    // Read as the PNG it is: finding out what a file is loads every image plugin, and the SVG one
-    // with its library, before the window could be shown.
+    // Made only when it is to be shown: a tray icon looks for a desktop bus as it is created, which
+    // the first window should not wait for. The icon is read as the PNG it is: finding out what a
+    // file is would load every image plugin, and the SVG one with its library.
     QImageReader iconReader(QStringLiteral(":/tray/icon"), "png");
     iconReader.setAutoDetectImageFormat(false);
     const QPixmap icon = QPixmap::fromImage(iconReader.read());
@@ -92,29 +92,47 @@ void Application::createTray()
 
 void Application::showTrayIcon()
 {
+    if (!m_trayIcon)
+        createTray();
     m_trayIcon->setVisible(true);
 }
 
-void Application::loadFonts()
+void Application::startLoadingFonts()
 {
     Gui::initFontResources();
-    Gui::waitForFontConfiguration();
-    // The system's fonts are read first: a face added to a database not read yet is read a second
-    // time when it is.
-    const QFontDatabase systemFonts;
+    QStringList firstFaces;
     QDirIterator fonts(QStringLiteral(":/fonts/"));
     while (fonts.hasNext()) {
         const QString path = fonts.next();
-        if (Gui::isFirstWindowFace(fonts.fileName()))
-            addFont(path);
-        else
-            m_fontsToLoad.append(path);
+        (Gui::isFirstWindowFace(fonts.fileName()) ? firstFaces : m_fontsToLoad).append(path);
     }
+    // The font database is thread-safe. Reading the system's fonts and the first faces takes some
+    // milliseconds, which the set-up of the program's other parts hides. Without a thread to spare,
+    // the faces are loaded when they are waited for.
+    m_firstFonts = std::async(std::launch::async | std::launch::deferred, [firstFaces] {
+        Gui::waitForFontConfiguration();
+        // The system's fonts are read first: a face added to a database not read yet is read a
+        // second time when it is.
+        const QFontDatabase systemFonts;
+        bool loaded = true;
+        for (const QString& path : firstFaces)
+            loaded = QFontDatabase::addApplicationFont(path) >= 0 && loaded;
+        return loaded;
+    });
+}
+
+void Application::finishLoadingFirstFonts()
+{
+    if (!m_firstFonts.valid())
+        return;
+    if (!m_firstFonts.get())
+        m_fontsLoaded = false;
     Gui::mapLegacyFontNames();
 }
 
 void Application::loadRemainingFonts()
 {
+    finishLoadingFirstFonts();
     const QStringList paths = std::exchange(m_fontsToLoad, QStringList());
     for (const QString& path : paths)
         addFont(path);
@@ -188,7 +206,8 @@ void Application::showSystemTrayCriticalMessage(QString message)
 void Application::quit()
 {
     closeAllWindows();
-    m_trayIcon->hide();
+    if (m_trayIcon)
+        m_trayIcon->hide();
     QCoreApplication::quit();
 }
 

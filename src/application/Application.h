@@ -7,6 +7,7 @@
 #include <QSystemTrayIcon>
 #include <QVariant>
 
+#include <future>
 #include <memory>
 
 class QMenu;
@@ -29,15 +30,17 @@ public:
     static bool hasMinimizedOption(const QStringList& arguments);
 
     TrayNotifications* notifications() const { return m_notifications; }
-    QSystemTrayIcon* trayIcon() const { return m_trayIcon; }
-    // Puts the icon into the tray; once is enough, again does nothing.
+    // Creates the tray icon with its menu and puts it into the tray; once is enough, again does
+    // nothing. Notifications due before it are dropped, as a hidden icon drops them.
     void showTrayIcon();
-    QMenu* trayMenu() const { return m_trayMenu; }
     QString language() const { return m_language; }
     void loadTranslation(const QString& language);
 
-    // The constructor loads only the font faces the first window shows; this loads the others. To
-    // be called once that window has been painted (or at once when the program starts in the tray).
+    // The constructor starts loading the font faces the first window shows; this waits for them.
+    // To be called before that window is built.
+    void finishLoadingFirstFonts();
+    // Loads the other faces. To be called once that window has been painted (or at once when the
+    // program starts in the tray).
     void loadRemainingFonts();
 
 signals:
@@ -62,7 +65,7 @@ private slots:
 
 private:
     void createTray();
-    void loadFonts();
+    void startLoadingFonts();
     void addFont(const QString& path);
 
     QSystemTrayIcon* m_trayIcon = nullptr;
@@ -70,6 +73,7 @@ private:
     TrayNotifications* m_notifications = nullptr;
     QTranslator* m_translator = nullptr;
     QString m_language;
+    std::future<bool> m_firstFonts;
     QStringList m_fontsToLoad;
     bool m_fontsLoaded = true;
     std::unique_ptr<Platform::Autostart> m_autostart;

@@ -217,6 +217,7 @@ int main(int argc, char* argv[])
     Velmora::Logger::setConsoleEnabled(false);
     // The program's own application object, with the platform's autostart entry in the test home.
     Velmora::Application::Application app(argc, argv);
+    app.finishLoadingFirstFonts();
     TestSettingsPages test;
     const int result = QTest::qExec(&test, argc, argv);
     return TestEnvironment::connectionWarningSeen() ? 1 : result;
