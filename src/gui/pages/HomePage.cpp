@@ -48,8 +48,6 @@ HomePage::HomePage(Velmora::System::System* system, QWidget* parent)
     setStyleSheet(QString::fromUtf8(Stylesheet));
     buildForm();
 
-    DriveSelectComboBox->insertItem(0, tr("CHOOSE YOUR DRIVE"), PlaceholderData);
-    DriveSelectComboBox->setCurrentIndex(0);
     for (int id : system->driveIds())
         onDriveAdded(id);
 
@@ -110,6 +108,12 @@ void HomePage::buildForm()
 
 void HomePage::onDriveAdded(int driveId)
 {
+    // The box is hidden until the first drive comes. Its first entry waits for it too: with an
+    // entry, the box lays out its list, font and all, before the window can be shown.
+    if (DriveSelectComboBox->count() == 0) {
+        DriveSelectComboBox->addItem(tr("CHOOSE YOUR DRIVE"), PlaceholderData);
+        DriveSelectComboBox->setCurrentIndex(0);
+    }
     System::Drive* drive = system->drive(driveId);
     // Drives behind USB are not looked after; the main window's drive box leaves them out as well.
     if (drive && !drive->isUsb()) {
