@@ -19,6 +19,17 @@
 namespace Velmora::Ads {
 
 namespace {
+// "*.png", "*.gif", "*.jpg" and "*.jpeg" in either case, as a listing's name filters would match
+// them: a filter is a pattern compiled for each listing, which costs more than the start-up
+// should spend on a folder that is mostly empty.
+bool isPictureName(const QString& fileName)
+{
+    for (const char* suffix : {".png", ".gif", ".jpg", ".jpeg"}) {
+        if (fileName.endsWith(QLatin1String(suffix), Qt::CaseInsensitive))
+            return true;
+    }
+    return false;
+}
 
 const QString SettingsGroup = QStringLiteral("Application");
 const QString SignatureKey = QStringLiteral("AdvSigMD5");
@@ -65,11 +76,10 @@ void AdsManager::removeOldFiles()
     QDir directory(m_adsDirectory);
     if (!directory.exists())
         directory.mkpath(QStringLiteral("."));
-    const QStringList pictures{QStringLiteral("*.png"), QStringLiteral("*.PNG"), QStringLiteral("*.gif"),
-        QStringLiteral("*.GIF"), QStringLiteral("*.jpg"), QStringLiteral("*.JPG"), QStringLiteral("*.jpeg"),
-        QStringLiteral("*.JPEG")};
-    const QFileInfoList files = directory.entryInfoList(pictures, QDir::Files);
+    const QFileInfoList files = directory.entryInfoList(QDir::Files);
     for (const QFileInfo& file : files) {
+        if (!isPictureName(file.fileName()))
+            continue;
         Logger::debug(QString(), QStringLiteral("Removing old ad file: ") + file.filePath());
         QFile::remove(file.filePath());
     }

@@ -25,6 +25,7 @@
 
 #include "CopyLogFiles.pb.h"
 
+#include <QDir>
 #include <QFile>
 #include <QJsonArray>
 #include <QJsonObject>
@@ -76,6 +77,8 @@ private slots:
     void firmwareAnswersStoredOnDrives();
     void applicationUpdateFoundDownloadedAndStarted();
     void advertisementShownByBackOff();
+    void oldPicturesRemovedAtStart_data();
+    void oldPicturesRemovedAtStart();
     void supportTicket_data();
     void supportTicket();
     void unknownAuthorityRefused();
@@ -252,6 +255,34 @@ void TestWebEnd2End::advertisementShownByBackOff()
     QVERIFY(adShownAtStart());
     QCOMPARE(Velmora::Settings::SettingsManager::value("Application", "AdvShowTreshold").toInt(), 1);
     QCOMPARE(m_admin->put(m_backend->admin(QStringLiteral("ad")), R"({"variant":1})").status, 200);
+}
+
+void TestWebEnd2End::oldPicturesRemovedAtStart_data()
+{
+    QTest::addColumn<QString>("name");
+    QTest::addColumn<bool>("removed");
+    QTest::newRow("png") << "a.png" << true;
+    QTest::newRow("jpg") << "b.jpg" << true;
+    QTest::newRow("upper case") << "c.JPEG" << true;
+    QTest::newRow("mixed case") << "d.Gif" << true;
+    QTest::newRow("not a picture") << "e.txt" << false;
+    QTest::newRow("picture suffix inside the name") << "f.png.part" << false;
+}
+
+void TestWebEnd2End::oldPicturesRemovedAtStart()
+{
+    QFETCH(QString, name);
+    QFETCH(bool, removed);
+    const QString folder = QStandardPaths::writableLocation(QStandardPaths::AppDataLocation) + QStringLiteral("/ads");
+    QVERIFY(QDir().mkpath(folder));
+    QFile file(folder + QLatin1Char('/') + name);
+    QVERIFY(file.open(QIODevice::WriteOnly));
+    file.close();
+
+    Download::DownloadManager downloads;
+    const Velmora::Ads::AdsManager ads(m_client, m_service, &downloads, nullptr, 60000);
+    QCOMPARE(!file.exists(), removed);
+    file.remove();
 }
 
 void TestWebEnd2End::supportTicket_data()
